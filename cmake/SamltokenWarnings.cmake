@@ -1,0 +1,10 @@
+# The warnings that every source of this repository is clean at; linked privately, never exported.
+add_library(samltoken_warnings INTERFACE)
+if(MSVC)
+  target_compile_options(samltoken_warnings INTERFACE /W4)
+else()
+  target_compile_options(samltoken_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+endif()
+if(SAMLTOKEN_WARNINGS_AS_ERRORS)
+  target_compile_options(samltoken_warnings INTERFACE $<IF:$<CXX_COMPILER_ID:MSVC>,/WX,-Werror>)
+endif()

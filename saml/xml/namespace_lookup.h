@@ -1,0 +1,58 @@
+#pragma once
+
+#include "saml/xml/element_node_impl.h"
+
+#include <map>
+#include <string>
+#include <string_view>
+
+namespace Saml::Xml {
+
+/// True for "xmlns" and for everything that begins with "xmlns:".
+bool IsNamespaceDeclaration(std::string_view attributeName) noexcept;
+
+/// The name of the attribute that declares `prefix`; "xmlns" for the empty one.
+std::string DeclarationName(std::string_view prefix);
+
+/// The URI that `element` or its nearest declaring ancestor element binds to `prefix`; null when
+/// none does. Walks up the parents: a pass that asks often uses a `NamespaceContext`.
+const std::string* FindNamespaceURI(const ElementNodeImpl& element, std::string_view prefix);
+
+/// The value of the first attribute, in name order, with this namespace and local part; null when
+/// there is none. Walks up the parents for every prefix met.
+const std::string* FindAttributeByName(const ElementNodeImpl& element, std::string_view uri,
+                                       std::string_view localName);
+
+/// Declarations in force, by declaration name ("xmlns", "xmlns:p"); refers into the tree.
+using DeclarationMap = std::map<std::string_view, const std::string*, std::less<>>;
+
+/// What `element`, when not null, and its ancestor elements declare; the nearest one wins.
+DeclarationMap DeclarationsInForce(const ElementNodeImpl* element);
+
+/// Namespace lookups of one pass over an unchanging tree, at and below an apex.
+///
+/// What the apex inherits is collected once, when first needed. Without this, each element of a
+/// shallow subtree deep inside a hostile document would pay for a walk to the top of it.
+/// Threads: used by one thread, like the tree.
+class NamespaceContext {
+  public:
+    explicit NamespaceContext(const ElementNodeImpl& apex) noexcept : apex_(apex) {}
+
+    /// As `FindNamespaceURI`, for an element at or below the apex.
+    const std::string* Find(const ElementNodeImpl& element, std::string_view prefix) const;
+    /// The URI bound to the prefix of `element`; null when none is.
+    const std::string* NamespaceOf(const ElementNodeImpl& element) const {
+        return Find(element, element.Prefix());
+    }
+    /// The value of the first attribute, in name order, with this namespace and local part; null
+    /// when there is none.
+    const std::string* FindAttribute(const ElementNodeImpl& element, std::string_view uri,
+                                     std::string_view localName) const;
+
+  private:
+    const ElementNodeImpl& apex_;
+    mutable DeclarationMap inherited_;
+    mutable bool inheritedKnown_ = false;
+};
+
+}  // namespace Saml::Xml
