@@ -45,6 +45,8 @@ class ElementNodeImpl final : public virtual ElementNode, public NodeImpl {
     const std::string& Prefix() const noexcept { return prefix_; }
     const std::string& LocalName() const noexcept { return localName_; }
     const AttributeMap& Attributes() const noexcept { return attributes_; }
+    /// `SetAttribute` for texts that are not strings yet; cheapest in ascending order of names.
+    void PutAttribute(std::string_view name, std::string_view value);
     /// The value of the attribute with this written name; null when there is none.
     const std::string* FindAttribute(std::string_view name) const;
 

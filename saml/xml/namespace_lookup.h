@@ -38,7 +38,7 @@ class NamespaceContext {
   public:
     explicit NamespaceContext(const ElementNodeImpl& apex) noexcept : apex_(apex) {}
 
-    /// As `FindNamespaceURI`, for an element at or below the apex.
+    /// As `FindNamespaceURI`; `element` is the apex or stands below it.
     const std::string* Find(const ElementNodeImpl& element, std::string_view prefix) const;
     /// The URI bound to the prefix of `element`; null when none is.
     const std::string* NamespaceOf(const ElementNodeImpl& element) const {

@@ -1,0 +1,91 @@
+#include "saml/xml/namespace_lookup.h"
+
+#include "saml/xml/qualified_name.h"
+
+namespace Saml::Xml {
+namespace {
+
+constexpr std::string_view kDefaultDeclaration = "xmlns";
+constexpr std::string_view kPrefixDeclaration = "xmlns:";
+
+bool StartsWith(std::string_view text, std::string_view start) noexcept {
+    return text.substr(0, start.size()) == start;
+}
+
+// `resolve(prefix)` gives the URI bound to a prefix on the element, or null.
+template <class Resolve>
+const std::string* FindExpandedAttribute(const ElementNodeImpl& element, std::string_view uri,
+                                         std::string_view localName, Resolve resolve) {
+    for (const auto& [written, value] : element.Attributes()) {
+        const QualifiedName name = SplitQualifiedName(written);
+        if (name.localName != localName) continue;
+        // Without a prefix an attribute is in no namespace, whatever the default declaration says.
+        const std::string* const bound = name.prefix.empty() ? nullptr : resolve(name.prefix);
+        if ((bound != nullptr ? std::string_view(*bound) : std::string_view()) == uri)
+            return &value;
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+bool IsNamespaceDeclaration(std::string_view attributeName) noexcept {
+    return attributeName == kDefaultDeclaration || StartsWith(attributeName, kPrefixDeclaration);
+}
+
+std::string DeclarationName(std::string_view prefix) {
+    std::string name(prefix.empty() ? kDefaultDeclaration : kPrefixDeclaration);
+    name.append(prefix);
+    return name;
+}
+
+const std::string* FindNamespaceURI(const ElementNodeImpl& element, std::string_view prefix) {
+    const std::string declaration = DeclarationName(prefix);
+    for (const ElementNodeImpl* scope = &element; scope != nullptr; scope = ParentElement(*scope)) {
+        const std::string* const uri = scope->FindAttribute(declaration);
+        if (uri != nullptr) return uri;
+    }
+    return nullptr;
+}
+
+const std::string* FindAttributeByName(const ElementNodeImpl& element, std::string_view uri,
+                                       std::string_view localName) {
+    return FindExpandedAttribute(element, uri, localName, [&element](std::string_view prefix) {
+        return FindNamespaceURI(element, prefix);
+    });
+}
+
+DeclarationMap DeclarationsInForce(const ElementNodeImpl* element) {
+    DeclarationMap declarations;
+    for (; element != nullptr; element = ParentElement(*element))
+        for (const auto& [name, uri] : element->Attributes())
+            if (IsNamespaceDeclaration(name)) declarations.emplace(name, &uri);
+    return declarations;
+}
+
+const std::string* NamespaceContext::Find(const ElementNodeImpl& element,
+                                          std::string_view prefix) const {
+    const std::string declaration = DeclarationName(prefix);
+    const ElementNodeImpl* const above = ParentElement(apex_);
+    for (const ElementNodeImpl* scope = &element; scope != nullptr && scope != above;
+         scope = ParentElement(*scope)) {
+        const std::string* const uri = scope->FindAttribute(declaration);
+        if (uri != nullptr) return uri;
+    }
+    if (!inheritedKnown_) {
+        inherited_ = DeclarationsInForce(above);
+        inheritedKnown_ = true;
+    }
+    const auto found = inherited_.find(declaration);
+    return found != inherited_.end() ? found->second : nullptr;
+}
+
+const std::string* NamespaceContext::FindAttribute(const ElementNodeImpl& element,
+                                                   std::string_view uri,
+                                                   std::string_view localName) const {
+    return FindExpandedAttribute(
+        element, uri, localName,
+        [this, &element](std::string_view prefix) { return Find(element, prefix); });
+}
+
+}  // namespace Saml::Xml

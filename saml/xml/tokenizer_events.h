@@ -1,0 +1,50 @@
+#pragma once
+
+#include "saml/xml.h"
+#include "saml/xml/expat_handle.h"
+
+#include <string>
+
+namespace Saml::Xml {
+
+/// Registers expat's callbacks for one parse and forwards each to a handler.
+///
+/// No exception crosses expat, which is C: one that a handler throws stops the tokenizer, and from
+/// then on no event reaches the handler, although expat may still report a pending end tag.
+class TokenizerEvents {
+  public:
+    /// Borrows both for the length of a parse. `banEntities` stops the parse at an entity
+    /// declaration.
+    TokenizerEvents(XML_Parser tokenizer, XMLHandler& handler, bool banEntities);
+    TokenizerEvents(const TokenizerEvents&) = delete;
+    TokenizerEvents& operator=(const TokenizerEvents&) = delete;
+
+  private:
+    template <class Event>
+    static void Forward(void* userData, Event event) noexcept;
+
+    static void XMLCALL OnStartElement(void* userData, const char* name, const char** attributes);
+    static void XMLCALL OnEndElement(void* userData, const char* name);
+    static void XMLCALL OnProcessingInstruction(void* userData, const char* target,
+                                                const char* data);
+    static void XMLCALL OnStartCData(void* userData);
+    static void XMLCALL OnEndCData(void* userData);
+    static void XMLCALL OnComment(void* userData, const char* text);
+    static void XMLCALL OnCharacters(void* userData, const char* data, int length);
+    static void XMLCALL OnXmlDeclaration(void* userData, const char* version, const char* encoding,
+                                         int standalone);
+    static void XMLCALL OnEntityDeclaration(void* userData, const char* name, int isParameter,
+                                            const char* value, int valueLength, const char* base,
+                                            const char* systemId, const char* publicId,
+                                            const char* notationName);
+
+    void Stop() noexcept;
+
+    XML_Parser tokenizer_;
+    XMLHandler& handler_;
+    const bool banEntities_;
+    bool stopped_ = false;
+    std::string name_;  ///< Reused for every tag, so that a name costs no allocation.
+};
+
+}  // namespace Saml::Xml

@@ -1,0 +1,128 @@
+#include "saml/xml/xml_doc_handler_impl.h"
+
+#include "saml/xml/content_nodes_impl.h"
+#include "saml/xml/element_node_impl.h"
+#include "saml/xml/qualified_name.h"
+
+#include <cstring>
+#include <string_view>
+
+namespace Saml::Xml {
+namespace {
+
+constexpr char kNoDocument[] = "An event arrived outside a document.";
+
+}  // namespace
+
+XMLDocHandlerImpl::XMLDocHandlerImpl(std::int64_t maxTotalSize, std::int64_t maxNodeCount,
+                                     std::int64_t maxDepth)
+    : limits_(maxTotalSize, maxNodeCount, maxDepth) {}
+
+void XMLDocHandlerImpl::StartDocument(bool enforceLimits, boost::intrusive_ptr<Node>& document) {
+    const boost::intrusive_ptr<DocumentImpl> created(new DocumentImpl);
+    open_.clear();
+    limits_.Start(enforceLimits);
+    document_ = created;
+    document = created;
+}
+
+void XMLDocHandlerImpl::StartDocument(boost::intrusive_ptr<Node>& document) {
+    StartDocument(false, document);
+}
+
+void XMLDocHandlerImpl::StartElement(const std::string& qualifiedName, unsigned line,
+                                     unsigned column, const char** attributes) {
+    limits_.CountNode(qualifiedName.size());
+    const QualifiedName name = SplitQualifiedName(qualifiedName);
+    const boost::intrusive_ptr<ElementNodeImpl> element(
+        new ElementNodeImpl(name.prefix, name.localName, static_cast<std::int32_t>(line),
+                            static_cast<std::int32_t>(column)));
+    for (const char** attribute = attributes; *attribute != nullptr; attribute += 2) {
+        const std::string_view attributeName(attribute[0]);
+        const std::string_view value(attribute[1]);
+        limits_.CountSize(value.size() + attributeName.size());
+        element->PutAttribute(attributeName, value);
+    }
+    AddOpen(*element);
+}
+
+// A stopped tokenizer may still report an end tag whose start never came to the stack.
+void XMLDocHandlerImpl::EndElement(const std::string&) {
+    CloseCurrent();
+}
+
+void XMLDocHandlerImpl::StartCData() {
+    limits_.CountNode(0);
+    const boost::intrusive_ptr<CDataNodeImpl> section(new CDataNodeImpl);
+    AddOpen(*section);
+}
+
+void XMLDocHandlerImpl::EndCData() {
+    CloseCurrent();
+}
+
+void XMLDocHandlerImpl::Characters(const char* data, int length) {
+    if (length < 0) return;
+    const std::string_view run(data, static_cast<std::size_t>(length));
+    TextNodeImpl* const adjacent = open_.empty() ? nullptr : AsText(open_.back()->LastChild());
+    if (adjacent != nullptr) {
+        limits_.CountSize(run.size());
+        adjacent->AppendText(data, length);
+        return;
+    }
+    limits_.CountNode(run.size());
+    const boost::intrusive_ptr<TextNodeImpl> text(new TextNodeImpl(run));
+    AddLeaf(*text);
+}
+
+void XMLDocHandlerImpl::Comment(const std::string& text) {
+    limits_.CountNode(text.size());
+    const boost::intrusive_ptr<CommentNodeImpl> comment(new CommentNodeImpl(text));
+    AddLeaf(*comment);
+}
+
+void XMLDocHandlerImpl::ProcessingInstruction(const std::string& target, const std::string& data) {
+    limits_.CountNode(target.size() + data.size());
+    const boost::intrusive_ptr<ProcessingInstructionNodeImpl> instruction(
+        new ProcessingInstructionNodeImpl(target, data));
+    AddLeaf(*instruction);
+}
+
+void XMLDocHandlerImpl::XmlDeclaration(const std::string& version, const std::string& encoding) {
+    limits_.CountSize(version.size() + encoding.size());
+    if (!document_) throw InternalErrorException(kNoDocument);
+    document_->SetVersion(version);
+    document_->SetEncoding(encoding);
+}
+
+void XMLDocHandlerImpl::Reset() {
+    open_.clear();
+    document_.reset();
+}
+
+NodeImpl& XMLDocHandlerImpl::CurrentParent() const {
+    if (!open_.empty()) return *open_.back();
+    if (!document_) throw InternalErrorException(kNoDocument);
+    return *document_;
+}
+
+void XMLDocHandlerImpl::AddLeaf(NodeImpl& node) {
+    CurrentParent().AppendNode(node);
+    limits_.CheckDepth(open_.size());
+}
+
+void XMLDocHandlerImpl::AddOpen(NodeImpl& node) {
+    AddLeaf(node);
+    open_.push_back(&node);
+}
+
+void XMLDocHandlerImpl::CloseCurrent() noexcept {
+    if (!open_.empty()) open_.pop_back();
+}
+
+XMLHandler* CreateXMLDocumentHandler(long long maxTotalSize, long long maxNodeCount,
+                                     long long maxDepth) {
+    return new XMLDocHandlerImpl(maxTotalSize, maxNodeCount, maxDepth);
+}
+
+}  // namespace Saml::Xml
