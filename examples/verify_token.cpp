@@ -1,7 +1,7 @@
 // verify_token TOKEN.xml TRUSTED.pem...
 //
-// Says who the caller is that presents the token, or why the token is refused. Each TRUSTED.pem
-// holds one certificate: the identity provider's own, or an authority's above it.
+// Says who the caller is, or why the token is refused. Each TRUSTED.pem holds one certificate: the
+// identity provider's own, or an authority's above it.
 // Exit status: 0 accepted, 1 refused (the reason on standard error), 2 unusable arguments.
 
 #include <saml/token.h>
@@ -66,8 +66,9 @@ Arguments ReadArguments(const std::vector<std::string>& paths) {
 std::string Printable(std::string text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
         const auto byte = static_cast<unsigned char>(text[i]);
-        const bool afterC2 = i > 0 && text[i - 1] == '\xC2';  // U+0080 to U+009F in UTF-8
-        if (byte < 0x20 || byte == 0x7f || (afterC2 && byte < 0xa0)) text[i] = '?';
+        if (byte < 0x20 || byte == 0x7f) text[i] = '?';
+        if (byte >= 0x80 && byte < 0xa0 && i > 0 && text[i - 1] == '\xC2')
+            text[i - 1] = text[i] = '?';  // U+0080 to U+009F in UTF-8
     }
     return text;
 }
@@ -113,8 +114,7 @@ ExitStatus Refuse(const std::exception& reason) {
 }
 
 ExitStatus Verify(const Arguments& arguments) {
-    // Derived classes first: a clause for their base would take what is meant for theirs.
-    try {
+    try {  // derived classes first: a clause for their base would take what is meant for theirs
         const auto token = Saml::CreateSamlToken(arguments.token, arguments.resolver.get());
         std::cout << "accepted\n";
         PrintToken(*token);

@@ -24,18 +24,29 @@ const std::string kTop = "saml/";
 const std::set<std::string> kExpatFiles = {"xml/expat_handle.h", "xml/tokenizer_events.cpp",
                                            "xml/tokenizer_events.h", "xml/xml_parser_impl.cpp",
                                            "xml/xml_parser_impl.h"};
-const std::set<std::string> kOpenSslFiles = {
-    "security/certificate_codec.cpp",     "security/certificate_codec.h",
-    "security/digest_method.cpp",         "security/digest_method.h",
-    "security/hash_algorithm_impl.cpp",   "security/hash_algorithm_impl.h",
-    "security/openssl_handles.h",         "security/pem_helpers.cpp",
-    "security/sign_algorithm_impl.cpp",   "security/sign_algorithm_impl.h",
-    "security/trust_chain_resolver.cpp",  "security/trust_chain_resolver.h",
-    "security/trust_set_resolver.cpp",    "security/trust_set_resolver.h",
-    "security/trusted_certificates.cpp",  "security/trusted_certificates.h",
-    "security/verify_algorithm_impl.cpp", "security/verify_algorithm_impl.h"};
+const std::set<std::string> kOpenSslFiles = {"security/certificate_codec.cpp",
+                                             "security/certificate_codec.h",
+                                             "security/digest_method.cpp",
+                                             "security/digest_method.h",
+                                             "security/hash_algorithm_impl.cpp",
+                                             "security/hash_algorithm_impl.h",
+                                             "security/key_codec.cpp",
+                                             "security/key_codec.h",
+                                             "security/openssl_handles.h",
+                                             "security/pem_helpers.cpp",
+                                             "security/sign_algorithm_impl.cpp",
+                                             "security/sign_algorithm_impl.h",
+                                             "security/trust_chain_resolver.cpp",
+                                             "security/trust_chain_resolver.h",
+                                             "security/trust_set_resolver.cpp",
+                                             "security/trust_set_resolver.h",
+                                             "security/trusted_certificates.cpp",
+                                             "security/trusted_certificates.h",
+                                             "security/verify_algorithm_impl.cpp",
+                                             "security/verify_algorithm_impl.h"};
 // Platform code stands in these.
-const std::set<std::string> kPlatformFiles = {"foundations/platform_posix.cpp",
+const std::set<std::string> kPlatformFiles = {"foundations/demangled_name.h",
+                                              "foundations/platform_posix.cpp",
                                               "foundations/platform_windows.cpp"};
 
 struct Include {
