@@ -4,6 +4,8 @@
 #include "saml/token/parsed_assertion.h"
 #include "support/token_forge.h"
 
+#include <gtest/gtest.h>
+
 #include <string>
 
 /// One element of an assertion as the readers see it. It stands inside another element that
