@@ -1,4 +1,5 @@
 #include "saml/token.h"
+#include "support/foreign_nodes.h"
 #include "support/test_keys.h"
 #include "support/thrown.h"
 #include "support/token_forge.h"
@@ -462,51 +463,10 @@ TEST_P(BothEntries, ThrowAPointerForABadSolutionUserAttribute) {
 
 // --- Arguments
 
-/// An element that is not of the library's own classes.
-class ForeignElement final : public Xml::ElementNode {
-  public:
-    using Node::AppendChild;
-    Xml::Node* GetParent() override { return nullptr; }
-    Xml::Node* GetFirstChild() override { return nullptr; }
-    Xml::Node* GetLastChild() override { return nullptr; }
-    Xml::Node* GetNextSibling() override { return nullptr; }
-    Xml::Node* GetPreviousSibling() override { return nullptr; }
-    void AppendChild(Xml::Node*) override {}
-    void InsertAfter(Xml::Node*, Xml::Node*) override {}
-    void InsertBefore(Xml::Node*, Xml::Node*) override {}
-    void RemoveChild(Xml::Node*) override {}
-    std::int32_t GetType() override { return Xml::NodeType::Element; }
-    void Write(Writer&) override {}
-    void WriteFormatted(Writer&) override {}
-    ElementNode* GetFirstChildElement(const std::string&) override { return nullptr; }
-    ElementNode* GetNextSiblingElement(const std::string&) override { return nullptr; }
-    ElementNode* GetFirstChildElement(const Xml::ExpandedName&) override { return nullptr; }
-    ElementNode* GetNextSiblingElement(const Xml::ExpandedName&) override { return nullptr; }
-    void AppendChild(Xml::TextNode*) override {}
-    void AppendChild(ElementNode*) override {}
-    const std::string& GetPrefix() override { return text_; }
-    void SetPrefix(const std::string&) override {}
-    const std::string& GetLocalName() override { return text_; }
-    void SetLocalName(const std::string&) override {}
-    std::string GetQualifiedName() override { return text_; }
-    Xml::ExpandedName GetExpandedName() override { return {}; }
-    std::int32_t GetLine() override { return -1; }
-    std::int32_t GetColumn() override { return -1; }
-    bool GetAttribute(const std::string&, std::string&) override { return false; }
-    bool GetAttribute(const Xml::ExpandedName&, std::string&) override { return false; }
-    void GetAttributes(std::map<std::string, std::string>&) override {}
-    void SetAttribute(const std::string&, const std::string&) override {}
-    bool RemoveAttribute(const std::string&) override { return false; }
-    bool LookupNamespaceURI(const std::string&, std::string&) override { return false; }
-
-  private:
-    std::string text_;
-};
-
 TEST(CreateSamlToken, RefusesToWorkWithoutAResolverBeforeAnythingElse) {
     EXPECT_THROW(CreateSamlToken("no xml", nullptr), InvalidArgumentException);
     EXPECT_THROW(CreateSamlToken("no xml", nullptr, 0), InvalidArgumentException);
-    const boost::intrusive_ptr<Xml::ElementNode> foreign(new ForeignElement);
+    const boost::intrusive_ptr<Xml::ElementNode> foreign(new Xml::ForeignElement);
     EXPECT_THROW(CreateSamlTokenFromDom(foreign.get(), nullptr), InvalidArgumentException);
     EXPECT_THROW(CreateSamlTokenFromDom(foreign.get(), nullptr, 0), InvalidArgumentException);
 }
@@ -519,7 +479,7 @@ TEST(CreateSamlTokenFromDom, RefusesToWorkWithoutAnElement) {
 
 TEST(CreateSamlTokenFromDom, RefusesAnElementOfAForeignClass) {
     const auto resolver = RightKey();
-    const boost::intrusive_ptr<Xml::ElementNode> foreign(new ForeignElement);
+    const boost::intrusive_ptr<Xml::ElementNode> foreign(new Xml::ForeignElement);
     EXPECT_THROW(CreateSamlTokenFromDom(foreign.get(), resolver.get()), TypeMismatchException);
 }
 
