@@ -33,6 +33,11 @@ bool IsNamespaceDeclaration(std::string_view attributeName) noexcept {
     return attributeName == kDefaultDeclaration || StartsWith(attributeName, kPrefixDeclaration);
 }
 
+std::string_view DeclaredPrefix(std::string_view declaration) noexcept {
+    const QualifiedName name = SplitQualifiedName(declaration);
+    return name.prefix.empty() ? std::string_view() : name.localName;
+}
+
 std::string DeclarationName(std::string_view prefix) {
     std::string name(prefix.empty() ? kDefaultDeclaration : kPrefixDeclaration);
     name.append(prefix);

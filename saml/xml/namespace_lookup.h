@@ -11,6 +11,9 @@ namespace Saml::Xml {
 /// True for "xmlns" and for everything that begins with "xmlns:".
 bool IsNamespaceDeclaration(std::string_view attributeName) noexcept;
 
+/// The prefix that a namespace declaration declares; empty for the default declaration.
+std::string_view DeclaredPrefix(std::string_view declaration) noexcept;
+
 /// The name of the attribute that declares `prefix`; "xmlns" for the empty one.
 std::string DeclarationName(std::string_view prefix);
 

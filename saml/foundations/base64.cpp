@@ -1,0 +1,155 @@
+#include "saml/foundations.h"
+
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+namespace Saml {
+namespace {
+
+constexpr char kTruncated[] = "Truncated Base64!";
+constexpr char kInvalidPadding[] = "Invalid Padding in Base 64!";
+constexpr char kInvalidCharacter[] = "Non-Valid Character in Base 64!";
+
+constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+constexpr char kPadding = '=';
+constexpr std::uint32_t kValues = 64;  // a sextet's value is below it
+
+/// The value of every byte in the alphabet, `kValues` for all others.
+constexpr std::array<std::uint8_t, 256> MakeValueTable() {
+    std::array<std::uint8_t, 256> values{};
+    for (std::uint8_t& value : values)
+        value = kValues;
+    for (std::uint8_t value = 0; value < kValues; ++value)
+        values[static_cast<unsigned char>(kAlphabet[value])] = value;
+    return values;
+}
+constexpr std::array<std::uint8_t, 256> kValueOf = MakeValueTable();
+
+std::uint32_t ValueOf(char character) {
+    return kValueOf[static_cast<unsigned char>(character)];
+}
+
+/// The six blanks of ASCII, whatever the C locale holds for one.
+bool IsBlank(char character) {
+    return character == ' ' || ('\t' <= character && character <= '\r');
+}
+
+char Character(std::uint32_t value) {
+    return kAlphabet[value & 0x3F];
+}
+
+unsigned char Byte(std::uint32_t value) {
+    return static_cast<unsigned char>(value & 0xFF);
+}
+
+/// Decodes the padding character at the front of `rest`. Only its distance from the end tells what
+/// it means, and its bits come from an accumulator that still holds the group before: odd bytes for
+/// a misplaced padding, kept because stored signatures decode through them.
+/// \return The text of the fault, null when there is none.
+const char* DecodePadding(std::string_view rest, std::uint32_t accumulator, unsigned char*& out) {
+    const std::uint32_t shifted = accumulator << 6;
+    switch (rest.size()) {
+        case 1:
+            *out++ = Byte(shifted >> 16);
+            *out++ = Byte(shifted >> 8);
+            return nullptr;
+        case 2:  // the character after it is not examined
+            *out++ = Byte(shifted >> 10);
+            return nullptr;
+        default:
+            return kInvalidPadding;
+    }
+}
+
+/// Decodes a group that is not made of four data characters; with it decoding ends either way.
+/// \return The text of the fault, null when there is none.
+const char* DecodeLastGroup(std::string_view group, std::uint32_t accumulator,
+                            unsigned char*& out) {
+    for (std::size_t i = 0; i < group.size(); ++i) {
+        if (group[i] == kPadding) return DecodePadding(group.substr(i), accumulator, out);
+        const std::uint32_t value = ValueOf(group[i]);
+        if (value == kValues) return kInvalidCharacter;
+        accumulator = accumulator << 6 | value;
+    }
+    return kTruncated;
+}
+
+/// Decodes the groups of four data characters at the front of `text` and takes them off.
+void DecodeWholeGroups(std::string_view& text, std::uint32_t& accumulator, unsigned char*& out) {
+    while (text.size() >= 4) {
+        const std::uint32_t first = ValueOf(text[0]);
+        const std::uint32_t second = ValueOf(text[1]);
+        const std::uint32_t third = ValueOf(text[2]);
+        const std::uint32_t fourth = ValueOf(text[3]);
+        if ((first | second | third | fourth) >= kValues) return;
+
+        // A padding never reaches further back than the last group: older bits may go.
+        accumulator = first << 18 | second << 12 | third << 6 | fourth;
+        out[0] = Byte(accumulator >> 16);
+        out[1] = Byte(accumulator >> 8);
+        out[2] = Byte(accumulator);
+        out += 3;
+        text.remove_prefix(4);
+    }
+}
+
+/// Decodes `text` to where `out` points and moves it behind the last byte.
+/// \return The text of the first fault from the left, null when there is none.
+const char* DecodeText(std::string_view text, unsigned char*& out) {
+    std::uint32_t accumulator = 0;  // never cleared between groups, see `DecodePadding`
+    while (true) {
+        DecodeWholeGroups(text, accumulator, out);
+        if (text.empty()) return nullptr;
+        if (!IsBlank(text.front())) return DecodeLastGroup(text, accumulator, out);
+        text.remove_prefix(1);
+    }
+}
+
+}  // namespace
+
+Base64& Base64::operator=(const Base64&) {
+    return *this;
+}
+
+std::string Base64::Encode(const std::vector<unsigned char>& data) {
+    std::string text((data.size() + 2) / 3 * 4, kPadding);
+    char* out = text.data();
+
+    const std::size_t rest = data.size() % 3;
+    const unsigned char* next = data.data();
+    for (const unsigned char* const end = next + (data.size() - rest); next != end; next += 3) {
+        const std::uint32_t group =
+            std::uint32_t{next[0]} << 16 | std::uint32_t{next[1]} << 8 | std::uint32_t{next[2]};
+        *out++ = Character(group >> 18);
+        *out++ = Character(group >> 12);
+        *out++ = Character(group >> 6);
+        *out++ = Character(group);
+    }
+    if (rest == 0) return text;
+
+    // What follows these characters up to the end is padding already.
+    const std::uint32_t group =
+        std::uint32_t{next[0]} << 16 | (rest == 2 ? std::uint32_t{next[1]} << 8 : 0);
+    *out++ = Character(group >> 18);
+    *out++ = Character(group >> 12);
+    if (rest == 2) *out = Character(group >> 6);
+    return text;
+}
+
+std::vector<unsigned char> Base64::Decode(const std::string& text, std::string& error) {
+    // Only these four blanks are trimmed: a form feed or a vertical tab counts as a character that
+    // follows a padding.
+    const std::size_t length = text.find_last_not_of("\n\r\t ") + 1;  // 0 when there are no others
+
+    std::vector<unsigned char> data(length / 4 * 3 + 2);  // a padding gives two bytes at most
+    unsigned char* end = data.data();
+    if (const char* const fault = DecodeText(std::string_view(text).substr(0, length), end)) {
+        error += fault;
+        return {};
+    }
+    data.resize(static_cast<std::size_t>(end - data.data()));
+    return data;
+}
+
+}  // namespace Saml

@@ -1,8 +1,0 @@
-#include "saml/security.h"
-
-namespace Saml::Xml::Security {
-
-KeyInfoResolver::KeyInfoResolver() = default;
-KeyInfoResolver::~KeyInfoResolver() = default;
-
-}  // namespace Saml::Xml::Security

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Saml::Xml::Security {
+
+/// Which namespaces are in scope at the element under the pen, and which the output has declared
+/// already, on the element itself or above it.
+///
+/// One table serves the whole walk; what an element changed is undone when it is left, so that
+/// nothing is copied for an element. Prefixes and URIs refer into the tree, which does not change.
+class NamespaceScope {
+  public:
+    /// Begins the changes of one element.
+    void Enter() { marks_.push_back(undo_.size()); }
+    /// Undoes what was changed since the matching `Enter`.
+    void Leave();
+
+    /// Brings `prefix` (empty: the default namespace) into scope, replacing an earlier binding.
+    void Declare(std::string_view prefix, const std::string& uri);
+    /// The same, unless `prefix` is bound: for ancestors, read from the nearest outward.
+    void DeclareInherited(std::string_view prefix, const std::string& uri);
+
+    /// The URI that is in scope for `prefix`; null when it is unbound.
+    const std::string* Find(std::string_view prefix) const;
+
+    /// Decides whether the output needs a declaration of `prefix` here, and if so counts it as
+    /// declared from here on down.
+    /// \return The URI to declare; null when there is nothing to write.
+    const std::string* Render(std::string_view prefix);
+
+    /// Calls `visit(prefix)` for every prefix in scope, in byte order.
+    template <class Visit>
+    void ForEachInScope(Visit visit) const {
+        for (const auto& [prefix, binding] : bindings_)
+            if (binding.inScope != nullptr) visit(prefix);
+    }
+
+  private:
+    struct Binding {
+        const std::string* inScope = nullptr;
+        const std::string* rendered = nullptr;
+    };
+    struct Change {
+        Binding* binding;
+        Binding before;
+    };
+
+    void Remember(Binding& binding) { undo_.push_back({&binding, binding}); }
+
+    std::map<std::string_view, Binding> bindings_;
+    std::vector<Change> undo_;
+    std::vector<std::size_t> marks_;
+};
+
+}  // namespace Saml::Xml::Security

@@ -1,0 +1,180 @@
+// Canonicalization drops comments, CDATA sections and unused namespace declarations, so anybody may
+// add them to a signed token without breaking its signature. Wherever they are added, the token is
+// refused or says the same.
+#include "saml/token.h"
+#include "support/test_keys.h"
+#include "support/token_forge.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <set>
+#include <string>
+
+namespace {
+
+using namespace Saml;
+
+class LeafKey final : public Xml::Security::KeyInfoResolver {
+  public:
+    void Resolve(Xml::Security::KeyInfo*, std::list<ByteBlob>& keys) override {
+        keys = {TestKeys::KeyNamed("leaf").publicKey};
+    }
+};
+
+/// Everything that a token says, but its text.
+std::string Account(const SamlToken& token) {
+    std::string account;
+    const auto add = [&account](const std::string& part) { account += part + "\n"; };
+    const auto addPrincipal = [&add](const PrincipalId& id) { add(id.Name + "|" + id.Domain); };
+    add(token.GetId());
+    add(DateTime(token.GetStartTime()).value());
+    add(DateTime(token.GetExpirationTime()).value());
+    addPrincipal(token.GetSubject());
+    add(std::string(token.IsRenewable() ? "renewable " : "") +
+        (token.IsDelegable() ? "delegable " : "") + (token.IsSolution() ? "solution" : ""));
+    PersonName name;
+    token.GetPersonName(name);
+    add(name.FirstName + "|" + name.LastName);
+    for (const PrincipalId& group : token.GetGroups())
+        addPrincipal(group);
+    for (DelegateInfo& link : token.GetDelegationChain()) {
+        addPrincipal(link.Delegate);
+        add(link.DelegationInstant.value());
+    }
+    std::set<std::string> audience;
+    token.GetAudience(audience);
+    for (const std::string& one : audience)
+        add(one);
+    for (const Advice& advice : token.GetAdvice()) {
+        add(advice.AdviceSource);
+        for (const SamlAttribute& attribute : advice.Attributes) {
+            add(attribute.Name + attribute.NameFormat + attribute.FriendlyName);
+            for (const std::string& value : attribute.Values)
+                add(value);
+        }
+    }
+    if (token.GetHolderOfKeyCertificate()) add(Base64::Encode(*token.GetHolderOfKeyCertificate()));
+    return account;
+}
+
+std::string SignedTokenOfEveryKind() {
+    Forge::TokenSpec spec;
+    spec.holderOfKeyCertificate = "AQIDBAUG";
+    spec.delegateId = Forge::Name{ProfileUri::UpnNameFormat, "svc@corp"};
+    spec.delegates = {{{ProfileUri::UpnNameFormat, "svc@corp"}}};
+    spec.audience = {"urn:a", "urn:b"};
+    spec.proxyCount = "1";
+    spec.renewRestriction = true;
+    spec.renewCount = "1";
+    spec.advice = {{"s", {{"n", {"v", ""}}}}};
+    spec.attributes = {{ProfileUri::GroupIdentity, {"dom\\admin"}},
+                       {ProfileUri::GivenName, {"Jane"}},
+                       {ProfileUri::Surname, {""}},
+                       {ProfileUri::IsSolution, {"true"}}};
+    return Forge::Sign(Forge::Write(spec), {TestKeys::KeyNamed("leaf").privateKey, {}});
+}
+
+enum class Verdict { Same, Other, Refused };
+
+/// Whether `spoiled` gives the same account as the token that it was made from.
+Verdict Judge(const std::string& spoiled, const std::string& account) {
+    const boost::intrusive_ptr<Xml::Security::KeyInfoResolver> resolver(new LeafKey);
+    try {
+        const bool isSame = Account(*CreateSamlToken(spoiled, resolver.get())) == account;
+        return isSame ? Verdict::Same : Verdict::Other;
+    } catch (const InvalidTokenException&) {
+        return Verdict::Refused;
+    } catch (const Xml::XMLParseException&) {  // declared twice
+        return Verdict::Refused;
+    }
+}
+
+std::string AccountOf(const std::string& xml) {
+    const boost::intrusive_ptr<Xml::Security::KeyInfoResolver> resolver(new LeafKey);
+    return Account(*CreateSamlToken(xml, resolver.get()));
+}
+
+struct Addition {
+    const char* name;
+    const char* markup;
+    bool isEverAccepted;
+};
+std::string NameOfAddition(const testing::TestParamInfo<Addition>& row) {
+    return row.param.name;
+}
+
+class AddedContent : public testing::TestWithParam<Addition> {};
+
+TEST_P(AddedContent, NeverChangesWhatASignedTokenSays) {
+    const std::string xml = SignedTokenOfEveryKind();
+    const std::string account = AccountOf(xml);
+    std::map<Verdict, int> verdicts;
+    for (std::size_t place = xml.find('>') + 1; place < xml.size(); ++place) {
+        if (xml.find('>', place) < xml.find('<', place)) continue;  // inside a tag
+        const std::string spoiled = std::string(xml).insert(place, GetParam().markup);
+        const Verdict verdict = Judge(spoiled, account);
+        EXPECT_NE(verdict, Verdict::Other) << spoiled;
+        ++verdicts[verdict];
+    }
+    EXPECT_GT(verdicts[Verdict::Refused], 100);  // in the middle of a text, for one
+    EXPECT_EQ(verdicts[Verdict::Same] > 0, GetParam().isEverAccepted);
+}
+
+INSTANTIATE_TEST_SUITE_P(InvisibleMarkup, AddedContent,
+                         testing::Values(Addition{"Comment", "<!-- x -->", true},
+                                         Addition{"CDataSection", "<![CDATA[x]]>", false},
+                                         Addition{"EmptyCDataSection", "<![CDATA[]]>", false}),
+                         NameOfAddition);
+
+class AddedDeclaration : public testing::TestWithParam<Addition> {};
+
+TEST_P(AddedDeclaration, NeverChangesWhatASignedTokenSays) {
+    const std::string xml = SignedTokenOfEveryKind();
+    const std::string account = AccountOf(xml);
+    std::map<Verdict, int> verdicts;
+    for (std::size_t open = xml.find('<'); open != std::string::npos;
+         open = xml.find('<', open + 1)) {
+        if (xml[open + 1] == '/') continue;
+        const std::size_t place = xml.find_first_of(" />", open);
+        const std::string spoiled = std::string(xml).insert(place, GetParam().markup);
+        const Verdict verdict = Judge(spoiled, account);
+        EXPECT_NE(verdict, Verdict::Other) << spoiled;
+        ++verdicts[verdict];
+    }
+    EXPECT_EQ(verdicts[Verdict::Same] > 0, GetParam().isEverAccepted);
+    EXPECT_GT(verdicts[Verdict::Same] + verdicts[Verdict::Refused], 30);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    InvisibleMarkup, AddedDeclaration,
+    testing::Values(Addition{"Unused", " xmlns:unused='urn:unused'", true},
+                    Addition{"MadeToLookLikeAType",
+                             " xmlns:xmlns='http://www.w3.org/2001/XMLSchema-instance'"
+                             " xmlns:type='del:DelegationRestrictionType'",
+                             true},
+                    Addition{"Default",
+                             " xmlns='urn:oasis:names:tc:SAML:2.0:conditions:delegation'", true}),
+    NameOfAddition);
+
+// The prefix of an xsi:type value is not visibly used (exc-c14n 1.1), so its declaration is not
+// signed. Who rebinds it finds no other type under the same local name.
+TEST(InvisibleMarkup, CannotTurnOneConditionIntoAnother) {
+    const std::string xml = SignedTokenOfEveryKind();
+    const std::string account = AccountOf(xml);
+    for (const std::string prefix : {"del", "ext"})
+        for (const std::string& uri :
+             {std::string("urn:oasis:names:tc:SAML:2.0:conditions:delegation"),
+              std::string("urn:oasis:names:tc:SAML:2.0:assertion"),
+              std::string(ProfileUri::ExtensionNamespace), std::string("urn:other")}) {
+            const std::string start = "<saml:Condition ";
+            for (std::size_t at = xml.find(start); at != std::string::npos;
+                 at = xml.find(start, at + 1)) {
+                const std::string spoiled = std::string(xml).insert(
+                    at + start.size(), "xmlns:" + prefix + "='" + uri + "' ");
+                EXPECT_NE(Judge(spoiled, account), Verdict::Other) << spoiled;
+            }
+        }
+}
+
+}  // namespace
