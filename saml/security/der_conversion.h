@@ -4,8 +4,6 @@
 #include "saml/foundations/checked_narrowing.h"
 #include "saml/security/openssl_handles.h"
 
-#include <openssl/crypto.h>
-
 #include <cstddef>
 #include <memory>
 #include <vector>

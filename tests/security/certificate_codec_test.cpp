@@ -37,8 +37,8 @@ TEST(CertificateCodec, IgnoresBytesBehindTheCertificate) {
 }
 
 TEST(CertificateCodec, RefusesWhatIsNoCertificate) {
-    Bytes truncated = *CertificateNamed("root").der;
-    truncated.pop_back();
+    const Bytes& whole = *CertificateNamed("root").der;
+    const Bytes truncated(whole.begin(), whole.end() - 1);
     for (const ByteBlob& der :
          {ByteBlob(), ToBlob(""), ToBlob("garbage"), std::make_shared<const Bytes>(truncated),
           ToBlob(CertificateNamed("root").pem), KeyNamed("root").publicKey}) {

@@ -85,8 +85,8 @@ TEST(SignAlgorithm, IgnoresBytesBehindTheKey) {
 }
 
 TEST(SignAlgorithm, RefusesWhatIsNoRsaPrivateKey) {
-    Bytes truncated = *KeyNamed("root").privateKey;
-    truncated.pop_back();
+    const Bytes& whole = *KeyNamed("root").privateKey;
+    const Bytes truncated(whole.begin(), whole.end() - 1);
     const struct {
         const char* name;
         ByteBlob key;

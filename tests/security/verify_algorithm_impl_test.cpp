@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -88,7 +87,7 @@ TEST(VerifyAlgorithm, RejectsAnotherDigestAndAnotherKey) {
 
 TEST(VerifyAlgorithm, RejectsSignaturesOfAnotherLength) {
     const Bytes signature = SignatureOf("sha256");
-    const Bytes shorter(signature.begin(), std::prev(signature.end()));
+    const Bytes shorter(signature.begin(), signature.end() - 1);
     Bytes longer = signature;
     longer.push_back(0);
     Bytes padded = signature;
@@ -113,8 +112,8 @@ TEST(VerifyAlgorithm, IgnoresBytesBehindTheKey) {
 }
 
 TEST(VerifyAlgorithm, RefusesWhatIsNoRsaPublicKey) {
-    Bytes truncated = *KeyNamed("root").publicKey;
-    truncated.pop_back();
+    const Bytes& whole = *KeyNamed("root").publicKey;
+    const Bytes truncated(whole.begin(), whole.end() - 1);
     const std::string in = " -in " + KeyNamed("ec").pemPath;
     const struct {
         const char* name;
