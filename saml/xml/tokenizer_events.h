@@ -19,6 +19,9 @@ class TokenizerEvents {
     TokenizerEvents(const TokenizerEvents&) = delete;
     TokenizerEvents& operator=(const TokenizerEvents&) = delete;
 
+    /// True from the event on that stopped the parse.
+    bool Stopped() const noexcept { return stopped_; }
+
   private:
     template <class Event>
     static void Forward(void* userData, Event event) noexcept;

@@ -61,22 +61,25 @@ int ReadChunk(Reader& input, std::array<char, kChunkSize>& chunk) {
     return count;
 }
 
-XMLParseException FailureOf(XML_Parser tokenizer) {
-    const char* const text = XML_ErrorString(XML_GetErrorCode(tokenizer));
+XMLParseException Failure(XML_Parser tokenizer, XML_Error code) {
+    const char* const text = XML_ErrorString(code);
     return {text != nullptr ? text : kUnknownFailure,
             static_cast<std::uint32_t>(XML_GetCurrentLineNumber(tokenizer))};
 }
 
 /// Feeds the tokenizer to the end of `input`.
 /// \return How many bytes there were.
-std::size_t Tokenize(XML_Parser tokenizer, Reader& input) {
+std::size_t Tokenize(XML_Parser tokenizer, const TokenizerEvents& events, Reader& input) {
     std::array<char, kChunkSize> chunk;
     std::size_t total = 0;
     for (;;) {
         const int count = ReadChunk(input, chunk);
         const bool isEnd = count == kEndOfInput;
-        if (XML_Parse(tokenizer, chunk.data(), isEnd ? 0 : count, isEnd) != XML_STATUS_OK)
-            throw FailureOf(tokenizer);
+        const XML_Status status = XML_Parse(tokenizer, chunk.data(), isEnd ? 0 : count, isEnd);
+        // Expat may tell a stop only at its next call: at a CDATA section that begins where a chunk
+        // ends.
+        if (events.Stopped()) throw Failure(tokenizer, XML_ERROR_ABORTED);
+        if (status != XML_STATUS_OK) throw Failure(tokenizer, XML_GetErrorCode(tokenizer));
         if (isEnd) return total;
         total += static_cast<std::size_t>(count);
     }
@@ -116,7 +119,7 @@ void XMLParserImpl::Parse(Reader& input, bool enforceLimits, boost::intrusive_pt
     std::size_t size = 0;
     {
         const ScopeGuard reset([&handler] { handler->Reset(); });
-        size = Tokenize(tokenizer.get(), input);
+        size = Tokenize(tokenizer.get(), events, input);
     }
     document = std::move(built);
     if (size <= kReusableUpTo) idleTokenizer_ = std::move(tokenizer);
