@@ -315,6 +315,21 @@ TEST(IsNamespaceDeclaration, KnowsTheTwoForms) {
         EXPECT_FALSE(IsNamespaceDeclaration(other)) << other;
 }
 
+TEST(IsCanonicalDeclaration, TakesTheEmptyPrefixForNone) {
+    for (const char* declaration : {"xmlns", "xmlns:p", "xmlns:", "xmlns:a:b", ":xmlns"})
+        EXPECT_TRUE(IsCanonicalDeclaration(declaration)) << declaration;
+    for (const char* other : {"", ":", "xmlnsp", ":xmlns:p", ":xmlnsp", "p:xmlns", "::xmlns"})
+        EXPECT_FALSE(IsCanonicalDeclaration(other)) << other;
+}
+
+TEST(DeclaredPrefix, IsWhatStandsBehindTheFirstColon) {
+    EXPECT_EQ(DeclaredPrefix("xmlns"), "") << "the default declaration";
+    EXPECT_EQ(DeclaredPrefix("xmlns:saml"), "saml");
+    EXPECT_EQ(DeclaredPrefix("xmlns:a:b"), "a:b");
+    EXPECT_EQ(DeclaredPrefix("xmlns:"), "");
+    EXPECT_EQ(DeclaredPrefix(":xmlns"), "");
+}
+
 TEST(DeclarationName, IsBuiltFromThePrefix) {
     EXPECT_EQ(DeclarationName(""), "xmlns");
     EXPECT_EQ(DeclarationName("saml"), "xmlns:saml");

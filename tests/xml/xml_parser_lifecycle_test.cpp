@@ -219,6 +219,25 @@ TEST(XMLParser, MayRunInsideAnEventOfAnotherOne) {
     EXPECT_EQ(handler->events.size(), 6u);
 }
 
+TEST(XMLParser, MayBeginAnotherDocumentInsideAnEventOfItsOwn) {
+    const Held<RecordingHandler> handler(new RecordingHandler);
+    const Held<XMLParser> parser(CreateXMLParser(handler.get()));
+    handler->onEvent = [&](const std::string& event) {
+        if (event != "StartElement a at 1:0") return;
+        Held<Node> inner;
+        parser->Parse("<in/>", inner);
+        EXPECT_NE(inner, nullptr);
+        EXPECT_THROW(parser->Parse("<broken", inner), XMLParseException);
+    };
+    Held<Node> document;
+    parser->Parse("<a><b/></a>", document);
+    EXPECT_NE(document, nullptr);
+    EXPECT_EQ(handler->events,
+              (Events{"StartDocument false", "StartElement a at 1:0", "StartDocument false",
+                      "StartElement in at 1:0", "EndElement in", "Reset", "StartDocument false",
+                      "Reset", "StartElement b at 1:3", "EndElement b", "EndElement a", "Reset"}));
+}
+
 TEST(XMLParser, MayRunInsideTheReadingOfAnotherOne) {
     struct NestedReader : SlicedReader {
         using SlicedReader::SlicedReader;

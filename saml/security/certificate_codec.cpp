@@ -1,0 +1,101 @@
+#include "saml/security/certificate_codec.h"
+
+#include "saml/security/der_conversion.h"
+#include "saml/security/key_codec.h"
+#include "saml/security/pem_input.h"
+
+#include <openssl/asn1.h>
+#include <openssl/pem.h>
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+namespace Saml::Xml::Security {
+namespace {
+constexpr char kInvalidCertificate[] = "Invalid X.509 Certificate";
+constexpr char kInvalidCertificateFormat[] = "Wrong or unsupported X.509 Certificate format";
+constexpr char kNoPublicKey[] = "Invalid x509 certificate";
+
+/// Bytes of an encoding that are still to be read.
+struct Bytes {
+    const unsigned char* data;
+    long size;
+};
+
+/// Takes the first value off `rest` and gives its content. False when its length is not written as
+/// DER wants it, in as few bytes as possible (X.690 section 10.1).
+bool TakeDerValue(Bytes& rest, Bytes& content) {
+    const unsigned char* at = rest.data;
+    int tag = 0;
+    int tagClass = 0;
+    const int form = ASN1_get_object(&at, &content.size, &tag, &tagClass, rest.size);
+    if ((form & ~V_ASN1_CONSTRUCTED) != 0) return false;  // unreadable or of indefinite length
+    content.data = at;
+    const long size = at - rest.data + content.size;
+    rest = {rest.data + size, rest.size - size};
+    return size == ASN1_object_size(form, static_cast<int>(content.size), tag);
+}
+
+/// Takes the first number off `rest`. False when it is not written as DER wants a number that is
+/// not negative, without superfluous zeros in front (X.690 section 8.3).
+bool TakeDerNatural(Bytes& rest) {
+    Bytes digits{};
+    if (!TakeDerValue(rest, digits) || digits.size == 0) return false;
+    const bool isNegative = digits.data[0] >= 0x80;
+    const bool isPadded = digits.size > 1 && digits.data[0] == 0 && digits.data[1] < 0x80;
+    return !isNegative && !isPadded;
+}
+
+/// True when the serializer would write these bytes. They were decoded as an RSAPublicKey (RFC 8017
+/// appendix A.1.1) already, two numbers in a sequence; but the decoder takes more than DER and
+/// ignores what stands behind.
+bool IsDerRsaPublicKey(const ASN1_BIT_STRING& bits) {
+    Bytes rest{ASN1_STRING_get0_data(&bits), ASN1_STRING_length(&bits)};
+    Bytes numbers{};
+    return TakeDerValue(rest, numbers) && rest.size == 0 && TakeDerNatural(numbers) &&
+           TakeDerNatural(numbers);
+}
+}  // namespace
+
+CertificateHandle DecodeCertificateDer(const ByteBlob& der) {
+    return CertificateHandle(DecodeDer(der, [](const unsigned char** input, long length) {
+        return d2i_X509(nullptr, input, length);
+    }));
+}
+
+CertificateHandle ParseCertificateDer(const ByteBlob& der) {
+    CertificateHandle certificate = DecodeCertificateDer(der);
+    if (!certificate) throw InvalidArgumentException(kInvalidCertificate);
+    return certificate;
+}
+
+CertificateHandle ParseCertificatePem(const std::string& pem) {
+    const BufferHandle input = OpenPem(pem);
+    CertificateHandle certificate(
+        input ? PEM_read_bio_X509(input.get(), nullptr, RefusePassPhrase, nullptr) : nullptr);
+    if (!certificate) throw InvalidArgumentException(kInvalidCertificateFormat);
+    return certificate;
+}
+
+ByteBlob EncodeCertificate(X509& certificate) {
+    ByteBlob der = EncodeDer(
+        [&certificate](unsigned char** output) { return i2d_X509(&certificate, output); });
+    if (!der) throw CryptoException(kInvalidCertificateFormat);
+    return der;
+}
+
+ByteBlob EncodePublicKeyOf(X509& certificate) {
+    EVP_PKEY* const key = X509_get0_pubkey(&certificate);
+    if (key == nullptr) throw InvalidArgumentException(kNoPublicKey);
+
+    // The bytes of an RSA key stand in the certificate; serializing it anew costs more than
+    // verifying a signature with it. Only sloppily encoded ones have to be put right.
+    const ASN1_BIT_STRING& bits = *X509_get0_pubkey_bitstr(&certificate);
+    if (!IsRsa(*key) || !IsDerRsaPublicKey(bits)) return EncodePublicKey(*key);
+    const unsigned char* const begin = ASN1_STRING_get0_data(&bits);
+    return std::make_shared<const std::vector<unsigned char>>(begin,
+                                                              begin + ASN1_STRING_length(&bits));
+}
+
+}  // namespace Saml::Xml::Security
