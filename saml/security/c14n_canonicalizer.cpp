@@ -35,7 +35,7 @@ void DeclareInherited(const ElementNodeImpl& apex, NamespaceScope& scope) {
     for (const ElementNodeImpl* element = ParentElement(apex); element != nullptr;
          element = ParentElement(*element))
         for (const auto& [name, uri] : element->Attributes())
-            if (IsNamespaceDeclaration(name)) scope.DeclareInherited(DeclaredPrefix(name), uri);
+            if (IsCanonicalDeclaration(name)) scope.DeclareInherited(DeclaredPrefix(name), uri);
 }
 
 void WriteEscapedTo(CanonicalOutput& out, std::string_view text, const EscapeTable& escapes) {
@@ -95,9 +95,9 @@ class C14NCanonicalizer::Rendering {
     void CollectAttributes(const ElementNodeImpl& element) {
         attributes_.Clear();
         for (const auto& [written, value] : element.Attributes())
-            if (IsNamespaceDeclaration(written)) scope_.Declare(DeclaredPrefix(written), value);
+            if (IsCanonicalDeclaration(written)) scope_.Declare(DeclaredPrefix(written), value);
         for (const auto& [written, value] : element.Attributes()) {
-            if (IsNamespaceDeclaration(written)) continue;
+            if (IsCanonicalDeclaration(written)) continue;
             const QualifiedName name = SplitQualifiedName(written);
             attributes_.AddAttribute(name.prefix, name.localName, value, scope_);
         }

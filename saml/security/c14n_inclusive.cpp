@@ -22,7 +22,7 @@ void C14NCanonicalizerInclusive::RenderElementNamespaces(const ElementNodeImpl& 
                                                          NamespaceScope& scope,
                                                          CanonicalAttributes& attributes) const {
     for (const auto& [written, uri] : element.Attributes())
-        if (IsNamespaceDeclaration(written))
+        if (IsCanonicalDeclaration(written))
             RenderNamespace(DeclaredPrefix(written), scope, attributes);
 }
 

@@ -57,16 +57,22 @@ class SentChain {
             const bool first = !firstPassed_;
             firstPassed_ = true;
             CertificateHandle certificate = trusted_.ParseSent(der);
-            if (certificate && (first || X509_check_ca(certificate.get()) != 0)) return certificate;
+            if (!certificate) continue;
+            if (first || X509_check_ca(certificate.get()) != 0) return certificate;
+            passedOver_ = true;
         }
         return nullptr;
     }
+
+    /// True when a certificate was read and not kept.
+    bool PassedOver() const noexcept { return passedOver_; }
 
   private:
     const TrustedCertificates& trusted_;
     std::list<ByteBlob>::const_iterator at_;
     const std::list<ByteBlob>::const_iterator end_;
     bool firstPassed_ = false;
+    bool passedOver_ = false;
 };
 
 /// RFC 5280 section 6, up to any trusted certificate, whether it is self-signed or not.
@@ -89,6 +95,8 @@ void X509TrustChainKeyResolver::AppendKeys(const std::list<ByteBlob>& sent,
     SentChain chain(sent, trusted_);
     const CertificateHandle signer = chain.Next();
     if (!signer) {
+        // A signer that named itself by a certificate which may not speak here gets no other key.
+        if (chain.PassedOver()) return;
         // The signer said nothing about itself. There is no choice to make then, and no time check
         // either: the deployment vouches for the one key that it configured.
         if (X509* const single = trusted_.Single()) keys.push_back(EncodePublicKeyOf(*single));

@@ -12,25 +12,14 @@ bool StartsWith(std::string_view text, std::string_view start) noexcept {
     return text.substr(0, start.size()) == start;
 }
 
-// `resolve(prefix)` gives the URI bound to a prefix on the element, or null.
-template <class Resolve>
-const std::string* FindExpandedAttribute(const ElementNodeImpl& element, std::string_view uri,
-                                         std::string_view localName, Resolve resolve) {
-    for (const auto& [written, value] : element.Attributes()) {
-        const QualifiedName name = SplitQualifiedName(written);
-        if (name.localName != localName) continue;
-        // Without a prefix an attribute is in no namespace, whatever the default declaration says.
-        const std::string* const bound = name.prefix.empty() ? nullptr : resolve(name.prefix);
-        if ((bound != nullptr ? std::string_view(*bound) : std::string_view()) == uri)
-            return &value;
-    }
-    return nullptr;
-}
-
 }  // namespace
 
 bool IsNamespaceDeclaration(std::string_view attributeName) noexcept {
     return attributeName == kDefaultDeclaration || StartsWith(attributeName, kPrefixDeclaration);
+}
+
+bool IsCanonicalDeclaration(std::string_view attributeName) noexcept {
+    return IsNamespaceDeclaration(attributeName) || attributeName == ":xmlns";
 }
 
 std::string_view DeclaredPrefix(std::string_view declaration) noexcept {
@@ -55,9 +44,7 @@ const std::string* FindNamespaceURI(const ElementNodeImpl& element, std::string_
 
 const std::string* FindAttributeByName(const ElementNodeImpl& element, std::string_view uri,
                                        std::string_view localName) {
-    return FindExpandedAttribute(element, uri, localName, [&element](std::string_view prefix) {
-        return FindNamespaceURI(element, prefix);
-    });
+    return NamespaceContext(element).FindAttribute(element, uri, localName);
 }
 
 DeclarationMap DeclarationsInForce(const ElementNodeImpl* element) {
@@ -88,9 +75,15 @@ const std::string* NamespaceContext::Find(const ElementNodeImpl& element,
 const std::string* NamespaceContext::FindAttribute(const ElementNodeImpl& element,
                                                    std::string_view uri,
                                                    std::string_view localName) const {
-    return FindExpandedAttribute(
-        element, uri, localName,
-        [this, &element](std::string_view prefix) { return Find(element, prefix); });
+    for (const auto& [written, value] : element.Attributes()) {
+        const QualifiedName name = SplitQualifiedName(written);
+        if (name.localName != localName) continue;
+        // Without a prefix an attribute is in no namespace, whatever the default declaration says.
+        const std::string* const bound = name.prefix.empty() ? nullptr : Find(element, name.prefix);
+        if ((bound != nullptr ? std::string_view(*bound) : std::string_view()) == uri)
+            return &value;
+    }
+    return nullptr;
 }
 
 }  // namespace Saml::Xml

@@ -11,6 +11,11 @@ namespace Saml::Xml {
 /// True for "xmlns" and for everything that begins with "xmlns:".
 bool IsNamespaceDeclaration(std::string_view attributeName) noexcept;
 
+/// True for what canonicalization takes for a declaration: the names above and ":xmlns", which is
+/// "xmlns" once it is split at its colon. Strict readers refuse that name; what they do not examine
+/// must still be digested as it always was.
+bool IsCanonicalDeclaration(std::string_view attributeName) noexcept;
+
 /// The prefix that a namespace declaration declares; empty for the default declaration.
 std::string_view DeclaredPrefix(std::string_view declaration) noexcept;
 
@@ -22,7 +27,7 @@ std::string DeclarationName(std::string_view prefix);
 const std::string* FindNamespaceURI(const ElementNodeImpl& element, std::string_view prefix);
 
 /// The value of the first attribute, in name order, with this namespace and local part; null when
-/// there is none. Walks up the parents for every prefix met.
+/// there is none. Walks up the parents once at most.
 const std::string* FindAttributeByName(const ElementNodeImpl& element, std::string_view uri,
                                        std::string_view localName);
 

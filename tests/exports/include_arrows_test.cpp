@@ -26,6 +26,7 @@ const std::set<std::string> kExpatFiles = {"xml/expat_handle.h", "xml/tokenizer_
                                            "xml/xml_parser_impl.h"};
 const std::set<std::string> kOpenSslFiles = {"security/certificate_codec.cpp",
                                              "security/certificate_codec.h",
+                                             "security/der_conversion.h",
                                              "security/digest_method.cpp",
                                              "security/digest_method.h",
                                              "security/hash_algorithm_impl.cpp",

@@ -296,7 +296,8 @@ INSTANTIATE_TEST_SUITE_P(
         ChainCase{"OneTrustedNotYetValid", {"future-leaf"}, {}, "leaf"},
         ChainCase{"OneTrustedBlanksSent", {"root"}, {"!null", "!empty"}, "root"},
         ChainCase{"OneTrustedGarbageSent", {"root"}, {"!garbage", "!garbage"}, "root"},
-        ChainCase{"OneTrustedGarbageAndNoCaSent", {"root"}, {"!garbage", "attacker-leaf"}, "root"},
+        ChainCase{"OneTrustedGarbageAndNoCaSent", {"root"}, {"!garbage", "attacker-leaf"}, nullptr},
+        ChainCase{"OneTrustedSentBehindGarbageAndNoCa", {"leaf"}, {"!garbage", "leaf"}, nullptr},
         ChainCase{"TwoTrusted", {"root", "leaf"}, {}, nullptr},
         ChainCase{"OneTrustedTwice", {"root", "root"}, {}, nullptr}),
     NameOf);

@@ -315,6 +315,13 @@ TEST(IsNamespaceDeclaration, KnowsTheTwoForms) {
         EXPECT_FALSE(IsNamespaceDeclaration(other)) << other;
 }
 
+TEST(DeclaredPrefix, IsWhatStandsBehindTheFirstColon) {
+    EXPECT_EQ(DeclaredPrefix("xmlns"), "") << "the default declaration";
+    EXPECT_EQ(DeclaredPrefix("xmlns:saml"), "saml");
+    EXPECT_EQ(DeclaredPrefix("xmlns:a:b"), "a:b");
+    EXPECT_EQ(DeclaredPrefix("xmlns:"), "");
+}
+
 TEST(DeclarationName, IsBuiltFromThePrefix) {
     EXPECT_EQ(DeclarationName(""), "xmlns");
     EXPECT_EQ(DeclarationName("saml"), "xmlns:saml");

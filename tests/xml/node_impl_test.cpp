@@ -306,6 +306,27 @@ TEST(RemoveChild, KeepsTheDescendantsOfTheRemovedNode) {
     ExpectSoundLinks(*a);
 }
 
+// Callers pass genuine children; another's child leaves the chain that it is in.
+TEST(RemoveChild, UnlinksTheChildOfAnotherNodeFromItsChain) {
+    Siblings siblings;
+    const Held<ElementNode> stranger = NewElement("stranger");
+    stranger->RemoveChild(siblings.b.get());
+    EXPECT_EQ(Outline(*siblings.top), "top{a c}");
+    ExpectSoundLinks(*siblings.top);
+    ExpectDetached(*siblings.b);
+    EXPECT_EQ(siblings.b->use_count(), 1u);
+}
+
+TEST(RemoveChild, LeavesADetachedNodeDetached) {
+    const Held<ElementNode> top = NewElement("top");
+    const Held<ElementNode> detached = NewElement("detached");
+    detached->AppendChild(NewText("t").get());
+    top->RemoveChild(detached.get());
+    EXPECT_EQ(Outline(*detached), "detached{\"t\"}");
+    EXPECT_EQ(detached->use_count(), 1u);
+    ExpectDetached(*detached);
+}
+
 TEST(RemoveChild, AllowsTheNodeToBeAddedAgain) {
     Siblings siblings;
     siblings.top->RemoveChild(siblings.a.get());
