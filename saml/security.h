@@ -227,8 +227,10 @@ class SAML_API Signature
                               boost::intrusive_ptr<SignatureReference>& out) = 0;
     /// Replaces the key information by DER certificates, the signer's first.
     virtual void SetKeyInfo(const std::list<ByteBlob>& certificates) = 0;
-    /// Replaces the content of the key information by an element of the caller's own.
-    /// \throws InvalidArgumentException  `content` is null or cannot stand there.
+    /// Puts an element of the caller's own into the key information, in the place of its first
+    /// child; the signature gets a `KeyInfo` when it has none.
+    /// \throws InvalidArgumentException  `content` is null or cannot stand there; nothing changes.
+    /// \throws TypeMismatchException     `content` is not of the library's own classes.
     virtual void SetKeyInfo(ElementNode* content) = 0;
 
     Signature(const Signature&) = delete;

@@ -62,16 +62,29 @@ void SignatureImpl::SetKeyInfo(const std::list<ByteBlob>& certificates) {
 void SignatureImpl::SetKeyInfo(ElementNode* content) {
     if (content == nullptr) throw InvalidArgumentException(kNullContent);
     ElementNodeImpl& added = *CheckedCast<ElementNodeImpl>(content);
-    const boost::intrusive_ptr<ElementNodeImpl> keyInfoElement =
-        keyInfoElement_ ? keyInfoElement_ : context_->CreateElement("KeyInfo");
-    NodeImpl* const replaced = keyInfoElement->FirstChild();
-    keyInfoElement->AppendNode(added);
-    keyInfo_ = new KeyInfoExtended(added);
-    if (replaced != nullptr && replaced != &added) Detach(*replaced);
-    if (!keyInfoElement_) {
-        keyInfoElement_ = keyInfoElement;
-        element_->AppendNode(*keyInfoElement_);
+    const boost::intrusive_ptr<KeyInfo> created(new KeyInfoExtended(added));
+    if (keyInfoElement_) {
+        NodeImpl* const replaced = keyInfoElement_->FirstChild();
+        keyInfoElement_->AppendNode(added);
+        if (replaced != nullptr && replaced != &added) Detach(*replaced);
+    } else {
+        AppendKeyInfoElement(added);
     }
+    keyInfo_ = created;
+}
+
+// The element stands in its place before the content is added: content that stands around the
+// signature is refused then, and nothing has changed.
+void SignatureImpl::AppendKeyInfoElement(ElementNodeImpl& content) {
+    const boost::intrusive_ptr<ElementNodeImpl> keyInfoElement = context_->CreateElement("KeyInfo");
+    element_->AppendNode(*keyInfoElement);
+    try {
+        keyInfoElement->AppendNode(content);
+    } catch (...) {
+        Detach(*keyInfoElement);
+        throw;
+    }
+    keyInfoElement_ = keyInfoElement;
 }
 
 void CreateBlankSignature(ElementNode* root, const std::string& canonicalizationMethod,

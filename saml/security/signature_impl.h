@@ -35,6 +35,8 @@ class SignatureImpl final : public Signature {
     void ReadSignedInfo(ElementNodeImpl& signedInfo, const NamespaceContext& namespaces);
     void ReadKeyInfo(ElementNodeImpl& keyInfo, const NamespaceContext& namespaces);
 
+    void AppendKeyInfoElement(ElementNodeImpl& content);
+
     bool ReferencesHold(const std::set<std::string>& requiredURIs) const;
     std::list<ByteBlob> CandidateKeys(KeyInfoResolver& resolver) const;
     bool DecodeSignatureValue(std::vector<unsigned char>& signatureValue) const;

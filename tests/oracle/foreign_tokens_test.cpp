@@ -117,12 +117,15 @@ void ExpectWhatWasSaid(const SamlToken& token, const Kind& kind) {
     EXPECT_EQ(token.GetConfirmationType(),
               kind.holderOfKey ? ConfirmationType::HolderOfKey : ConfirmationType::Bearer);
     EXPECT_EQ(token.GetHolderOfKeyCertificate() != nullptr, kind.holderOfKey);
-    if (kind.holderOfKey)
+    if (kind.holderOfKey) {
         EXPECT_EQ(*token.GetHolderOfKeyCertificate(), *CertificateNamed("self-signed").der);
+    }
 
     const std::vector<DelegateInfo> chain = token.GetDelegationChain();
     ASSERT_EQ(chain.size(), kind.delegated ? 2u : 0u);
-    if (kind.delegated) EXPECT_EQ(chain.back().Delegate.Name, "report");
+    if (kind.delegated) {
+        EXPECT_EQ(chain.back().Delegate.Name, "report");
+    }
 
     std::set<std::string> audience;
     token.GetAudience(audience);

@@ -44,7 +44,7 @@ TEST_P(OurSignatures, AreVerifiedByXmlSec1AndRefusedByItWhenAltered) {
     Forge::TokenSpec spec;
     spec.prefix = style.samlPrefix;
     spec.attributes = {{ProfileUri::GroupIdentity, {"corp\\Staff", "corp\\&lt;&#xE9;&gt; &#x9;."}}};
-    for (const std::string uri : {"#" + spec.id, std::string()}) {
+    for (const std::string& uri : {"#" + spec.id, std::string()}) {
         SCOPED_TRACE("URI '" + uri + "'");
         Forge::SignatureSpec choices;
         choices.uri = uri;

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -87,7 +88,7 @@ TEST(VerifyAlgorithm, RejectsAnotherDigestAndAnotherKey) {
 
 TEST(VerifyAlgorithm, RejectsSignaturesOfAnotherLength) {
     const Bytes signature = SignatureOf("sha256");
-    const Bytes shorter(signature.begin(), signature.end() - 1);
+    const Bytes shorter(signature.begin(), std::prev(signature.end()));
     Bytes longer = signature;
     longer.push_back(0);
     Bytes padded = signature;
@@ -112,8 +113,8 @@ TEST(VerifyAlgorithm, IgnoresBytesBehindTheKey) {
 }
 
 TEST(VerifyAlgorithm, RefusesWhatIsNoRsaPublicKey) {
-    const Bytes& whole = *KeyNamed("root").publicKey;
-    const Bytes truncated(whole.begin(), whole.end() - 1);
+    Bytes truncated = *KeyNamed("root").publicKey;
+    truncated.pop_back();
     const std::string in = " -in " + KeyNamed("ec").pemPath;
     const struct {
         const char* name;

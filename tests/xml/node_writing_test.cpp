@@ -1,3 +1,4 @@
+#include "saml/xml/node_impl.h"
 #include "support/thrown.h"
 #include "support/xml_trees.h"
 
@@ -163,6 +164,26 @@ TEST(WritingOfAnInnerNode, StartsAtItsOwnLevel) {
     Node* const b = document->GetRootElement()->GetFirstChild();
     EXPECT_EQ(Compact(*b), "<b><c/></b>");
     EXPECT_EQ(Formatted(*b), "<b>\n  <c/>\n</b>");
+}
+
+std::string AtLevel(Node& node, int level) {
+    StringWriter out;
+    dynamic_cast<NodeImpl&>(node).WriteTo(out, level);
+    return out.data;
+}
+
+TEST(WritingAtALevel, IndentsTheNodeItselfToo) {
+    const Held<Document> document = Parsed("<a><b/>t<!--c--></a>");
+    Node& a = *document->GetRootElement();
+    EXPECT_EQ(AtLevel(a, 0), Formatted(a));
+    EXPECT_EQ(AtLevel(a, 1), "  <a>\n    <b/>\nt\n    \n  </a>");
+    EXPECT_EQ(AtLevel(a, 2), "    <a>\n      <b/>\nt\n      \n    </a>");
+    EXPECT_EQ(AtLevel(a, -1), Compact(a));
+    EXPECT_EQ(AtLevel(*NewText("t"), 1), "t");
+    EXPECT_EQ(AtLevel(*NewCData(), 1), "<![CDATA[]]>");
+    EXPECT_EQ(AtLevel(*NewComment("c"), 1), "  ");
+    EXPECT_EQ(AtLevel(*NewInstruction("p", "d"), 1), "");
+    EXPECT_EQ(AtLevel(*document, 1), "");
 }
 
 TEST(WritingOfBuiltTrees, UsesTheNamesAsTheyAre) {

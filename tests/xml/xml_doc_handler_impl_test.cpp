@@ -1,4 +1,3 @@
-#include "support/recording_handler.h"
 #include "support/thrown.h"
 #include "support/xml_trees.h"
 
@@ -178,6 +177,51 @@ TEST_F(DocumentHandler, SurvivesAnEndWithoutItsStart) {
     handler_->EndElement("a");
     handler_->EndCData();
     EXPECT_EQ(Outline(*document_), "#document{a <!--c-->}");
+}
+
+TEST_F(DocumentHandler, RefusesEventsOutsideADocument) {
+    const auto expectRefusals = [&] {
+        for (const int event : {0, 1, 2, 3, 4, 5})
+            EXPECT_EQ(MessageOf<InternalErrorException>([&] {
+                          if (event == 0) Start("a");
+                          if (event == 1) Text("t");
+                          if (event == 2) handler_->StartCData();
+                          if (event == 3) handler_->Comment("c");
+                          if (event == 4) handler_->ProcessingInstruction("p", "d");
+                          if (event == 5) handler_->XmlDeclaration("1.0", "");
+                      }),
+                      "An event arrived outside a document.")
+                << event;
+    };
+    expectRefusals();
+    handler_->StartDocument(document_);
+    Start("a");
+    handler_->Reset();
+    expectRefusals();
+    EXPECT_EQ(Outline(*document_), "#document{a}");
+}
+
+TEST_F(DocumentHandler, JoinsRunsOfCharactersOnly) {
+    handler_->StartDocument(document_);
+    Start("a");
+    Text("x");
+    Text("");
+    Text(std::string("\0y", 2));
+    handler_->Characters("ignored", -1);
+    handler_->StartCData();
+    Text("s");
+    Text("t");
+    handler_->EndCData();
+    Text("z");
+    EXPECT_EQ(Outline(*document_),
+              "#document{a{\"x" + std::string("\0y", 2) + "\" CDATA{\"st\"} \"z\"}}");
+}
+
+TEST_F(DocumentHandler, LetsTheLastOfTwoEqualAttributesHold) {
+    handler_->StartDocument(document_);
+    const char* attributes[] = {"x", "1", "y", "2", "x", "3", nullptr};
+    handler_->StartElement("a", 1, 0, attributes);
+    EXPECT_EQ(Outline(*document_), "#document{a[x=3 y=2]}");
 }
 
 TEST_F(DocumentHandler, KeepsTheRulesOfTheTree) {
