@@ -108,9 +108,7 @@ const char* DecodeText(std::string_view text, unsigned char*& out) {
 
 }  // namespace
 
-Base64& Base64::operator=(const Base64&) {
-    return *this;
-}
+Base64& Base64::operator=(const Base64&) = default;
 
 std::string Base64::Encode(const std::vector<unsigned char>& data) {
     std::string text((data.size() + 2) / 3 * 4, kPadding);

@@ -33,7 +33,7 @@ class CanonicalOutput {
     }
 
   private:
-    static constexpr std::size_t kLongEnough = 64 * 1024;
+    static constexpr std::size_t kLongEnough = std::size_t{64} * 1024;
 
     Writer& writer_;
     std::string pending_;

@@ -30,7 +30,7 @@ CertificateStackHandle CreateStack() {
 
 void Push(CertificateHandle certificate, CertificateStack* stack) {
     if (sk_X509_push(stack, certificate.get()) <= 0) throw std::bad_alloc();
-    certificate.release();  // the stack owns it now
+    static_cast<void>(certificate.release());  // the stack owns it now
 }
 
 StoreContextHandle CreateContext() {

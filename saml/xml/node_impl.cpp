@@ -143,7 +143,7 @@ void NodeImpl::LinkBehind(NodeImpl& child, NodeImpl* predecessor) {
         predecessor != nullptr ? predecessor->nextSibling_ : firstChild_;
     child.parent_ = this;
     child.previousSibling_ = predecessor;
-    child.nextSibling_ = std::move(link);
+    child.nextSibling_.swap(link);  // a detached child has none
     link.reset(&child);
     if (child.nextSibling_)
         child.nextSibling_->previousSibling_ = &child;

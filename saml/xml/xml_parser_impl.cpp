@@ -22,7 +22,7 @@ constexpr int kChunkSize = 10240;
 constexpr int kEndOfInput = -1;
 /// A tokenizer that met more than this is not used again: its buffers have grown, and expat keeps
 /// its account of memory across resets, so that it would refuse later documents.
-constexpr std::size_t kReusableUpTo = 1024 * 1024;
+constexpr std::size_t kReusableUpTo = std::size_t{1024} * 1024;
 
 /// Reads a text that outlives it, without a copy.
 class BorrowedTextReader final : public Reader {

@@ -140,7 +140,8 @@ void ExpectWhatWasSaid(const SamlToken& token, const Kind& kind) {
 class TokensOfXmlSec1 : public testing::TestWithParam<std::tuple<Method, Style>> {};
 
 TEST_P(TokensOfXmlSec1, AreAcceptedByBothResolversAndRefusedWhenAltered) {
-    const auto& [method, style] = GetParam();
+    const Method& method = std::get<0>(GetParam());
+    const Style& style = std::get<1>(GetParam());
     const ResolverHandle resolvers[] = {ChainBelowRoot(), SetOf("leaf")};
     for (const Kind& kind : kKinds) {
         for (const std::string uri : {"#id", ""}) {

@@ -40,7 +40,8 @@ constexpr Style kStyles[] = {{"DefaultDeclarations", "", ""}, {"UsualPrefixes", 
 class OurSignatures : public testing::TestWithParam<std::tuple<Method, Style>> {};
 
 TEST_P(OurSignatures, AreVerifiedByXmlSec1AndRefusedByItWhenAltered) {
-    const auto& [method, style] = GetParam();
+    const Method& method = std::get<0>(GetParam());
+    const Style& style = std::get<1>(GetParam());
     Forge::TokenSpec spec;
     spec.prefix = style.samlPrefix;
     spec.attributes = {{ProfileUri::GroupIdentity, {"corp\\Staff", "corp\\&lt;&#xE9;&gt; &#x9;."}}};
