@@ -159,8 +159,8 @@ class SAML_API KeyInfoResolver
 /// A trusted certificate is an anchor whether it is self-signed or not, an intermediate or the
 /// signer itself. Validity periods are checked at the present time, every signature on the path is
 /// checked, revocation is not. The first certificate sent is the signer; of the others, only
-/// certificate authorities are used. When no usable certificate was sent and exactly one is
-/// trusted, its key is offered without any check of its validity period.
+/// certificate authorities are used. When no certificate that can be read was sent and exactly one
+/// is trusted, its key is offered without any check of its validity period.
 ///
 /// \param trustedCertificates  DER certificates; duplicates are accepted.
 /// \param result               Replaced on success, unchanged on failure.

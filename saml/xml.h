@@ -265,7 +265,8 @@ class SAML_API XMLHandler
     virtual void StartDocument(bool enforceLimits, boost::intrusive_ptr<Node>& document) = 0;
     /// As above, without limits.
     virtual void StartDocument(boost::intrusive_ptr<Node>& document) = 0;
-    /// Forgets the document; called once after every parse, failed ones included.
+    /// Forgets the document; called once after every parse, failed ones included. What it throws is
+    /// dropped.
     virtual void Reset() = 0;
 
     XMLHandler(const XMLHandler&) = delete;

@@ -49,6 +49,14 @@ boost::intrusive_ptr<XMLHandler> RequireHandler(XMLHandler* handler) {
     return boost::intrusive_ptr<XMLHandler>(handler);
 }
 
+// It runs on the way out of a failed parse, too, where a second exception would end the process.
+void ResetQuietly(XMLHandler& handler) noexcept {
+    try {
+        handler.Reset();
+    } catch (...) {  // a handler that cannot forget its document keeps it to itself
+    }
+}
+
 TokenizerHandle CreateTokenizer() {
     TokenizerHandle tokenizer(XML_ParserCreate_MM(nullptr, nullptr, nullptr));
     if (!tokenizer) throw std::bad_alloc();
@@ -118,7 +126,7 @@ void XMLParserImpl::Parse(Reader& input, bool enforceLimits, boost::intrusive_pt
     handler->StartDocument(enforceLimits, built);
     std::size_t size = 0;
     {
-        const ScopeGuard reset([&handler] { handler->Reset(); });
+        const ScopeGuard reset([&handler] { ResetQuietly(*handler); });
         size = Tokenize(tokenizer.get(), events, input);
     }
     document = std::move(built);

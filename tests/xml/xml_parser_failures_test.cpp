@@ -140,6 +140,20 @@ struct FaultyReader : Reader {
     bool begun_ = false;
 };
 
+TEST(XMLParserImpl, DropsWhatTheResetOfItsHandlerThrows) {
+    const Held<RecordingHandler> handler(new RecordingHandler);
+    handler->onEvent = [](const std::string& event) {
+        if (event == "Reset") throw InternalErrorException("cannot forget");
+    };
+    const Held<XMLParser> parser(CreateXMLParser(handler.get()));
+    Held<Node> document;
+    parser->Parse("<a/>", document);
+    EXPECT_EQ(handler->events.back(), "Reset");
+    EXPECT_EQ(MessageOf<XMLParseException>([&] { parser->Parse("<a>", document); }),
+              "no element found");
+    EXPECT_EQ(handler->events.back(), "Reset");
+}
+
 class BrokenReader : public testing::TestWithParam<int> {};
 
 TEST_P(BrokenReader, IsRefusedBeforeTheTokenizerSeesTheCount) {
