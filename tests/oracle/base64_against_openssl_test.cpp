@@ -6,8 +6,8 @@
 #include <openssl/evp.h>
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <iostream>
 #include <memory>
 #include <optional>

@@ -4,6 +4,7 @@
 #include <boost/date_time/posix_time/posix_time_types.hpp>
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <ctime>
 #include <iostream>

@@ -13,6 +13,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 // RSASSA-PKCS1-v1_5 is deterministic (RFC 8017 section 8.2): signatures are compared byte for byte.
