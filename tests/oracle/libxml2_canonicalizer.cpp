@@ -1,10 +1,10 @@
 #include "oracle/libxml2_canonicalizer.h"
 
+#include "oracle/libxml2_errors.h"
+
 #include <libxml/c14n.h>
 #include <libxml/parser.h>
-#include <libxml/xmlerror.h>
 
-#include <stdexcept>
 #include <unordered_set>
 
 namespace LibXml2 {
@@ -20,20 +20,6 @@ struct CloseBuffer {
     void operator()(xmlOutputBuffer* buffer) const noexcept { xmlOutputBufferClose(buffer); }
 };
 using DocumentHandle = std::unique_ptr<xmlDoc, FreeDocument>;
-
-void SayNothing(void*, const char*, ...) {}
-
-/// What is wrong goes into exceptions instead of the standard error stream.
-void KeepQuiet() {
-    xmlSetGenericErrorFunc(nullptr, SayNothing);
-    xmlResetLastError();
-}
-
-std::runtime_error Failure(const std::string& what) {
-    const auto* const error = xmlGetLastError();
-    const bool isKnown = error != nullptr && error->message != nullptr;
-    return std::runtime_error(what + ": " + (isKnown ? error->message : "libxml2 gives no reason"));
-}
 
 const xmlChar* Chars(const std::string& text) {
     return reinterpret_cast<const xmlChar*>(text.c_str());
