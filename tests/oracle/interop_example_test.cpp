@@ -1,4 +1,4 @@
-#include "oracle/relax_ng_grammar.h"
+#include "oracle/interop_page.h"
 #include "oracle/xmlsec1.h"
 #include "saml/token.h"
 #include "support/test_keys.h"
@@ -7,9 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstddef>
 #include <set>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -18,54 +16,10 @@
 namespace Saml {
 namespace {
 
+using InteropPage::BearerTemplate;
+using InteropPage::Grammar;
+using InteropPage::HolderOfKeyTemplate;
 using TestKeys::CertificateNamed;
-
-constexpr char kDocs[] = SAMLTOKEN_DOCS;
-
-const LibXml2::RelaxNgGrammar& Grammar() {
-    static const LibXml2::RelaxNgGrammar grammar(std::string(kDocs) + "/assertion.rng");
-    return grammar;
-}
-
-/// The fenced blocks of XML on the page.
-std::vector<std::string> XmlBlocks() {
-    const std::string page = TestKeys::ReadFile(std::string(kDocs) + "/interop.md");
-    const std::string fence = "\n```xml\n";
-    std::vector<std::string> blocks;
-    for (std::size_t at = page.find(fence); at != std::string::npos; at = page.find(fence, at)) {
-        at += fence.size();
-        blocks.push_back(page.substr(at, page.find("\n```\n", at) - at));
-    }
-    return blocks;
-}
-
-std::string ReplacedEverywhere(std::string text, const std::string& from, const std::string& to) {
-    std::size_t at = text.find(from);
-    if (at == std::string::npos) throw std::runtime_error("not there: " + from);
-    for (; at != std::string::npos; at = text.find(from, at + to.size()))
-        text.replace(at, from.size(), to);
-    return text;
-}
-
-std::string WithPresentDates(const std::string& text) {
-    return ReplacedEverywhere(
-        ReplacedEverywhere(text, "2024-05-01T08:00:00.000Z", Forge::FromNow(-60)),
-        "2024-05-01T16:00:00.000Z", Forge::FromNow(3600));
-}
-
-std::string BearerTemplate() {
-    return WithPresentDates(XmlBlocks().at(0));
-}
-
-/// The bearer's confirmation replaced by the other one of the page.
-std::string HolderOfKeyTemplate() {
-    std::string text = XmlBlocks().at(0);
-    const std::string end = "</saml:SubjectConfirmation>";
-    const std::size_t from = text.find("    <saml:SubjectConfirmation ");
-    text.replace(from, text.find(end) + end.size() - from, XmlBlocks().at(1));
-    return WithPresentDates(
-        Forge::Replaced(text, "MIIB", Base64::Encode(*CertificateNamed("self-signed").der)));
-}
 
 std::shared_ptr<const SamlToken> TokenFrom(const std::string& xml) {
     boost::intrusive_ptr<Xml::Security::KeyInfoResolver> resolver;
@@ -109,7 +63,7 @@ void ExpectWhatBothSay(const SamlToken& token) {
 }
 
 TEST(InteropPage, HasTwoExamples) {
-    EXPECT_EQ(XmlBlocks().size(), 2u);
+    EXPECT_EQ(InteropPage::XmlBlocks().size(), 2u);
 }
 
 TEST(InteropExample, IsAcceptedAsABearerTokenThatXmlSec1Signed) {
