@@ -38,6 +38,10 @@ bool operator!=(const Question& left, const Question& right) {
     return left.trusted != right.trusted || left.sent != right.sent;
 }
 
+bool Holds(const Places& places, std::size_t place) {
+    return std::find(places.begin(), places.end(), place) != places.end();
+}
+
 std::vector<Certificate> IssueAll(const Hierarchy& hierarchy) {
     std::vector<Certificate> certificates;
     for (const Description& description : hierarchy.certificates)
@@ -115,7 +119,7 @@ bool IsAuthority(const Description& description) {
 Narrowed Narrow(const Hierarchy& hierarchy) {
     const Question asked{hierarchy.trusted, hierarchy.sent};
     const std::size_t signer = hierarchy.signer;
-    if (std::count(asked.trusted.begin(), asked.trusted.end(), signer) != 0)
+    if (Holds(asked.trusted, signer))
         return {Rule::TrustedSignerIsTheSoleAnchor, {{signer}, {signer}}};
 
     Question kept{asked.trusted, {signer}};
@@ -132,7 +136,7 @@ Places Above(const Hierarchy& hierarchy) {
     for (std::size_t i = 0; i < above.size(); ++i)
         for (const std::size_t place : candidates)
             if (hierarchy.certificates[place].subject == hierarchy.certificates[above[i]].issuer &&
-                std::count(above.begin(), above.end(), place) == 0)
+                !Holds(above, place))
                 above.push_back(place);
     above.erase(above.begin());
     return above;
@@ -163,12 +167,14 @@ bool Predicts(const Narrowed& narrowed, const Hierarchy& hierarchy) {
                            [&](std::size_t place) { return IsDoubtful(all[place], below, all); });
     }
     if (narrowed.rule == Rule::OnlyAuthoritiesAreKept)
-        for (auto dropped = sent.begin() + 1; dropped != sent.end(); ++dropped)
-            if (!IsAuthority(all[*dropped]) &&
-                std::any_of(dropped, sent.end(), [&](std::size_t hidden) {
-                    return IsAuthority(all[hidden]) && all[hidden].subject == all[*dropped].subject;
-                }))
-                return true;
+        for (auto dropped = sent.begin() + 1; dropped != sent.end(); ++dropped) {
+            if (IsAuthority(all[*dropped])) continue;
+            const bool hidesAnother = std::any_of(dropped, sent.end(), [&](std::size_t hidden) {
+                return IsAuthority(all[hidden]) && all[hidden].subject == all[*dropped].subject &&
+                       !Holds(hierarchy.trusted, hidden);
+            });
+            if (hidesAnother) return true;
+        }
     return false;
 }
 
