@@ -147,41 +147,39 @@ constexpr Variation kVariations[] = {
 /// Certificates beside the path.
 struct Addition {
     const char* name;
-    bool needsAuthority;  ///< Has to do with an authority of the path.
-    /// `subject` is an authority of the path, `above` its issuer, or the signer for a path of one.
-    void (*make)(const Description& subject, const Description& above, Dice& dice,
+    std::size_t percent;  ///< How often.
+    bool needsAuthority;  ///< Has to do with an authority of the path, the one at `level`.
+    void (*make)(const std::vector<Description>& path, std::size_t level, Dice& dice,
                  std::vector<Description>& out);
 };
 
 constexpr Addition kAdditions[] = {
-    {"namesake of an authority", true,
-     [](const Description& subject, const Description& above, Dice& dice,
-        std::vector<Description>& out) {
-         Description namesake = SelfSigned(subject.subject, kNamesakesKey);
-         namesake.identifiesKey = subject.identifiesKey;
-         if (dice.Chance(50)) IssueBy(above, namesake);
+    {"namesake of an authority", 25, true,
+     [](auto& path, auto level, auto& dice, auto& out) {
+         Description namesake = SelfSigned(path[level].subject, kNamesakesKey);
+         namesake.identifiesKey = path[level].identifiesKey;
+         if (level > 0 && dice.Chance(50)) IssueBy(path[level - 1], namesake);
          out.push_back(namesake);
      }},
-    {"expired twin of an authority", true,
-     [](const Description& subject, const Description&, Dice&, std::vector<Description>& out) {
-         out.push_back(subject);
+    {"expired twin of an authority", 25, true,
+     [](auto& path, auto level, auto&, auto& out) {
+         out.push_back(path[level]);
          out.back().validity = Validity::Expired;
      }},
-    {"twin of an authority that is none", true,
-     [](const Description& subject, const Description&, Dice&, std::vector<Description>& out) {
-         out.push_back(subject);
+    {"twin of an authority that is none", 40, true,
+     [](auto& path, auto level, auto&, auto& out) {
+         out.push_back(path[level]);
          out.back().constraints = Constraints::NoAuthority;
      }},
-    {"authority certified by another root", true,
-     [](const Description& subject, const Description&, Dice&, std::vector<Description>& out) {
+    {"authority certified by another root", 25, true,
+     [](auto& path, auto level, auto&, auto& out) {
          const Description root = SelfSigned("Other Root", kOtherRootsKey);
-         Description crossed = subject;
-         IssueBy(root, crossed);
-         out.push_back(crossed);
          out.push_back(root);
+         out.push_back(path[level]);
+         IssueBy(root, out.back());
      }},
-    {"unrelated authority and leaf", false,
-     [](const Description&, const Description&, Dice&, std::vector<Description>& out) {
+    {"unrelated authority and leaf", 25, false,
+     [](auto&, auto, auto&, auto& out) {
          const Description root = SelfSigned("Unrelated", kUnrelatedKey);
          Description leaf = SelfSigned("Unrelated Leaf", kUnrelatedKey);
          leaf.constraints = Constraints::NoAuthority;
@@ -189,11 +187,11 @@ constexpr Addition kAdditions[] = {
          out.push_back(root);
          out.push_back(leaf);
      }},
-    {"clone of the signer with another key", false,
-     [](const Description&, const Description& above, Dice&, std::vector<Description>& out) {
+    {"clone of the signer with another key", 25, false,
+     [](auto& path, auto, auto&, auto& out) {
          Description clone = SelfSigned("Signer", kClonesKey);
-         IssueBy(above, clone);
          clone.constraints = Constraints::NoAuthority;
+         if (path.size() > 1) IssueBy(path[path.size() - 2], clone);
          out.push_back(clone);
      }},
 };
@@ -207,12 +205,11 @@ std::size_t AnyAuthority(std::size_t signer, Dice& dice) {
 }
 
 void DrawAdditions(Dice& dice, Hierarchy& hierarchy) {
+    const std::vector<Description> path = hierarchy.certificates;
     for (const Addition& addition : kAdditions) {
-        if (!dice.Chance(25) || (addition.needsAuthority && hierarchy.signer == 0)) continue;
-        const std::size_t level = AnyAuthority(hierarchy.signer, dice);
-        const Description subject = hierarchy.certificates[level];
-        const Description above = hierarchy.certificates[level == 0 ? 0 : level - 1];
-        addition.make(subject, above, dice, hierarchy.certificates);
+        if (!dice.Chance(addition.percent) || (addition.needsAuthority && path.size() < 2))
+            continue;
+        addition.make(path, AnyAuthority(hierarchy.signer, dice), dice, hierarchy.certificates);
         hierarchy.features.insert(addition.name);
     }
 }
