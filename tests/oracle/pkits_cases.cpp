@@ -1,6 +1,7 @@
 #include "oracle/pkits_cases.h"
 
 #include <iterator>
+#include <vector>
 
 // PKITS 1.0.1, chapter 4. The edition with RSA keys of 2048 bits and SHA-256; only the DSA keys of
 // section 4.1 have 1024 bits and sign SHA-1. OpenSSL sets no security level for paths by itself.

@@ -8,8 +8,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <iostream>
+#include <iterator>
+#include <list>
 #include <map>
 #include <set>
 #include <string>
