@@ -1,0 +1,165 @@
+// Every single-fault neighbour of an assertion in which everything stands that the profile knows.
+// What must be said of it, to the letter, is told by a grammar that the library does not know.
+#include "oracle/assertion_neighbours.h"
+
+#include "oracle/full_assertion.h"
+#include "oracle/token_account.h"
+#include "oracle/token_prediction.h"
+#include "saml/token.h"
+
+#include <boost/core/demangle.hpp>
+#include <gtest/gtest.h>
+
+#include <ctime>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <tuple>
+
+namespace {
+
+using namespace Oracle;
+using Saml::TestKeys::CertificateNamed;
+using Saml::TestKeys::KeyNamed;
+
+const char* NameOf(Confirmation confirmation) {
+    return confirmation == Confirmation::Bearer ? "Bearer" : "HolderOfKey";
+}
+
+/// One time for all documents of the program.
+long long Now() {
+    static const long long now = std::time(nullptr);
+    return now;
+}
+
+const Trust& TrustInTheLeaf() {
+    static const Trust trust = {
+        &CertificateNamed("leaf"),
+        {&CertificateNamed("leaf"), &CertificateNamed("intermediate"), &CertificateNamed("root")}};
+    return trust;
+}
+
+Outcome Observe(const std::string& xml) {
+    static const boost::intrusive_ptr<Saml::Xml::Security::KeyInfoResolver> resolver = [] {
+        boost::intrusive_ptr<Saml::Xml::Security::KeyInfoResolver> made;
+        Saml::Xml::Security::CreateTrustSetKeyResolver({CertificateNamed("leaf").der}, made);
+        return made;
+    }();
+    try {
+        return {{}, Told(AccountOf(*Saml::CreateSamlToken(xml, resolver.get())))};
+    } catch (Saml::ParseException* thrown) {
+        const std::unique_ptr<Saml::ParseException> refusal(thrown);
+        return {"Saml::ParseException*", refusal->what()};
+    } catch (const std::exception& refusal) {
+        return {boost::core::demangle(typeid(refusal).name()), refusal.what()};
+    }
+}
+
+/// What was compared, and how often each answer was right.
+class Comparison {
+  public:
+    void Compare(const Neighbour& neighbour) {
+        const std::string xml = Written(neighbour.document);
+        const Outcome expected = Judge(neighbour, xml);
+        ++documents_;
+        if (expected.text != kTampered) return;
+        // The reader is content. What is left is that somebody else wrote it: sign what it says.
+        Neighbour afresh = neighbour;
+        SignAfresh(afresh.document, KeyNamed("leaf"));
+        const std::string signedAfresh = Written(afresh.document);
+        if (signedAfresh == xml) return;
+        afresh.fault += ", signed afresh";
+        Judge(afresh, signedAfresh);
+        ++signedAfresh_;
+    }
+
+    int Documents() const { return documents_; }
+    int Disagreements() const { return disagreements_; }
+
+    void Print(const std::string& name) const {
+        std::cout << name << ": " << documents_ << " neighbours and " << signedAfresh_
+                  << " of them signed afresh, " << accepted_ << " accepted, " << messages_.size()
+                  << " different refusals\n";
+        testing::Test::RecordProperty("neighbours", documents_);
+        testing::Test::RecordProperty("signed_afresh", signedAfresh_);
+    }
+
+  private:
+    Outcome Judge(const Neighbour& neighbour, const std::string& xml) {
+        const Outcome expected = Predict(neighbour.document, TrustInTheLeaf(), Now());
+        const Outcome observed = Observe(xml);
+        if (expected.exception.empty())
+            ++accepted_;
+        else
+            messages_.insert(expected.text);
+        if (expected == observed) return expected;
+        ++disagreements_;
+        ADD_FAILURE() << neighbour.fault << " at " << neighbour.place << "\nexpected " << expected
+                      << "\nobserved " << observed << "\nin " << xml;
+        return expected;
+    }
+
+    int documents_ = 0;
+    int signedAfresh_ = 0;
+    int accepted_ = 0;
+    int disagreements_ = 0;
+    std::set<std::string> messages_;
+};
+
+TEST(FullAssertion, IsAcceptedAndSaysWhatIsWritten) {
+    for (const Confirmation confirmation : {Confirmation::Bearer, Confirmation::HolderOfKey}) {
+        const Markup document = FullAssertion(confirmation, Now());
+        const Outcome expected = Predict(document, TrustInTheLeaf(), Now());
+        EXPECT_EQ(expected.exception, "") << expected.text;
+        EXPECT_EQ(Observe(Written(document)), expected) << NameOf(confirmation);
+    }
+}
+
+using Shard = std::tuple<Confirmation, FaultFamily>;
+class AssertionNeighbours : public testing::TestWithParam<Shard> {};
+
+TEST_P(AssertionNeighbours, AreJudgedAsTheGrammarSays) {
+    const auto& [confirmation, family] = GetParam();
+    const Markup base = FullAssertion(confirmation, Now());
+    Comparison comparison;
+    family.each(base, [&](const Neighbour& neighbour) {
+        if (comparison.Disagreements() < 20) comparison.Compare(neighbour);
+    });
+    comparison.Print(std::string(NameOf(confirmation)) + " " + family.name);
+    EXPECT_GE(comparison.Documents(), 50);
+}
+
+INSTANTIATE_TEST_SUITE_P(Grammar, AssertionNeighbours,
+                         testing::Combine(testing::Values(Confirmation::Bearer,
+                                                          Confirmation::HolderOfKey),
+                                          testing::ValuesIn(FaultFamilies())),
+                         [](const testing::TestParamInfo<Shard>& row) {
+                             return std::string(NameOf(std::get<0>(row.param))) +
+                                    std::get<1>(row.param).name;
+                         });
+
+TEST(AssertionNeighboursCount, IsOverAThousandAndEveryFaultIsDoneInManyPlaces) {
+    std::map<std::string, int> byFault;
+    std::set<std::string> texts;
+    int all = 0;
+    for (const Confirmation confirmation : {Confirmation::Bearer, Confirmation::HolderOfKey}) {
+        const Markup base = FullAssertion(confirmation, Now());
+        for (const FaultFamily& family : FaultFamilies())
+            family.each(base, [&](const Neighbour& neighbour) {
+                ++all;
+                ++byFault[neighbour.fault];
+                texts.insert(Written(neighbour.document));
+            });
+    }
+    for (const auto& [fault, count] : byFault)
+        std::cout << count << "\t" << fault << "\n";
+    std::cout << all << " neighbours by " << byFault.size() << " kinds of fault, " << texts.size()
+              << " different texts\n";
+    RecordProperty("neighbours", all);
+    RecordProperty("different_texts", static_cast<int>(texts.size()));
+    EXPECT_GT(texts.size(), 1000U);
+}
+
+}  // namespace
