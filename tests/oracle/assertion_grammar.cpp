@@ -2,7 +2,7 @@
 
 #include "saml/token.h"
 
-#include <stdexcept>
+#include <map>
 
 namespace Oracle::Grammar {
 
@@ -214,22 +214,20 @@ std::vector<ElementRow> SignatureRows() {
     };
 }
 
-std::vector<ElementRow> AllRows() {
-    std::vector<ElementRow> rows = TokenRows();
-    for (ElementRow& row : SignatureRows())
-        rows.push_back(row);
+std::map<std::string, std::vector<ElementRow>> AllRows() {
+    std::map<std::string, std::vector<ElementRow>> rows;
+    for (const ElementRow& row : TokenRows())
+        rows[row.key].push_back(row);
+    for (const ElementRow& row : SignatureRows())
+        rows[row.key].push_back(row);
     return rows;
 }
 
 }  // namespace
 
-std::vector<const ElementRow*> RowsOf(const std::string& key) {
-    static const std::vector<ElementRow> rows = AllRows();
-    std::vector<const ElementRow*> found;
-    for (const ElementRow& row : rows)
-        if (row.key == key) found.push_back(&row);
-    if (found.empty()) throw std::logic_error("no row is called " + key);
-    return found;
+const std::vector<ElementRow>& RowsOf(const std::string& key) {
+    static const std::map<std::string, std::vector<ElementRow>> rows = AllRows();
+    return rows.at(key);
 }
 
 }  // namespace Oracle::Grammar

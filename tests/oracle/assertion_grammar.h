@@ -80,7 +80,7 @@ struct ElementRow {
 };
 
 /// The rows of this key; at least one.
-std::vector<const ElementRow*> RowsOf(const std::string& key);
+const std::vector<ElementRow>& RowsOf(const std::string& key);
 
 extern const char* const kAssertionNamespace;
 extern const char* const kDelegationNamespace;

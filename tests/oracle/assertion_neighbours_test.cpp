@@ -16,13 +16,15 @@
 #include <memory>
 #include <set>
 #include <string>
-#include <tuple>
 
 namespace {
 
 using namespace Oracle;
 using Saml::TestKeys::CertificateNamed;
 using Saml::TestKeys::KeyNamed;
+
+/// To print; the rest would say the same.
+constexpr int kEnoughDisagreements = 20;
 
 const char* NameOf(Confirmation confirmation) {
     return confirmation == Confirmation::Bearer ? "Bearer" : "HolderOfKey";
@@ -117,27 +119,22 @@ TEST(FullAssertion, IsAcceptedAndSaysWhatIsWritten) {
     }
 }
 
-using Shard = std::tuple<Confirmation, FaultFamily>;
-class AssertionNeighbours : public testing::TestWithParam<Shard> {};
+class AssertionNeighbours : public testing::TestWithParam<FaultFamily> {};
 
 TEST_P(AssertionNeighbours, AreJudgedAsTheGrammarSays) {
-    const auto& [confirmation, family] = GetParam();
-    const Markup base = FullAssertion(confirmation, Now());
+    const FaultFamily& family = GetParam();
     Comparison comparison;
-    family.each(base, [&](const Neighbour& neighbour) {
-        if (comparison.Disagreements() < 20) comparison.Compare(neighbour);
-    });
-    comparison.Print(std::string(NameOf(confirmation)) + " " + family.name);
-    EXPECT_GE(comparison.Documents(), 50);
+    for (const Confirmation confirmation : {Confirmation::Bearer, Confirmation::HolderOfKey})
+        family.each(FullAssertion(confirmation, Now()), [&](const Neighbour& neighbour) {
+            if (comparison.Disagreements() < kEnoughDisagreements) comparison.Compare(neighbour);
+        });
+    comparison.Print(family.name);
+    EXPECT_GE(comparison.Documents(), 300);
 }
 
-INSTANTIATE_TEST_SUITE_P(Grammar, AssertionNeighbours,
-                         testing::Combine(testing::Values(Confirmation::Bearer,
-                                                          Confirmation::HolderOfKey),
-                                          testing::ValuesIn(FaultFamilies())),
-                         [](const testing::TestParamInfo<Shard>& row) {
-                             return std::string(NameOf(std::get<0>(row.param))) +
-                                    std::get<1>(row.param).name;
+INSTANTIATE_TEST_SUITE_P(Grammar, AssertionNeighbours, testing::ValuesIn(FaultFamilies()),
+                         [](const testing::TestParamInfo<FaultFamily>& row) {
+                             return std::string(row.param.name);
                          });
 
 TEST(AssertionNeighboursCount, IsOverAThousandAndEveryFaultIsDoneInManyPlaces) {

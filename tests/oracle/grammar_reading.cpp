@@ -123,11 +123,11 @@ void CheckNothing(const Markup& element, const ElementRow& row) {
 class Reading {
   public:
     void Read(const Markup* node, const Scope& outer, const std::string& key) {
-        const std::vector<const ElementRow*> rows = Grammar::RowsOf(key);
-        ExpectElement(node, outer, *rows.front());
+        const std::vector<ElementRow>& rows = Grammar::RowsOf(key);
+        ExpectElement(node, outer, rows.front());
         const Scope scope = ScopeIn(outer, *node);
-        CheckAttributes(*node, scope, *rows.front());
-        CheckValues(*node, scope, *rows.front());
+        CheckAttributes(*node, scope, rows.front());
+        CheckValues(*node, scope, rows.front());
         const ElementRow& row = Chosen(*node, rows);
         if (row.key == std::string("SubjectConfirmationData (holder-of-key)"))
             ExpectType(*node, scope, row);
@@ -139,14 +139,13 @@ class Reading {
     explicit Reading(const Markup& assertion) : assertion_(assertion) {}
 
   private:
-    static const ElementRow& Chosen(const Markup& element,
-                                    const std::vector<const ElementRow*>& rows) {
-        const Grammar::Choice& choice = rows.front()->choice;
-        if (choice.attribute == nullptr) return *rows.front();
+    static const ElementRow& Chosen(const Markup& element, const std::vector<ElementRow>& rows) {
+        const Grammar::Choice& choice = rows.front().choice;
+        if (choice.attribute == nullptr) return rows.front();
         const std::string value = *element.Find(choice.attribute);
-        for (const ElementRow* const row : rows)
-            if (row->choice.value == value) return *row;
-        Refuse(rows.front()->wording, choice.otherwiseBefore + value + choice.otherwiseBehind);
+        for (const ElementRow& row : rows)
+            if (row.choice.value == value) return row;
+        Refuse(rows.front().wording, choice.otherwiseBefore + value + choice.otherwiseBehind);
     }
 
     static void ExpectType(const Markup& element, const Scope& scope, const ElementRow& row) {
@@ -185,7 +184,7 @@ class Reading {
         const auto current = [&] { return next < children.size() ? children[next] : nullptr; };
         for (const ChildRow& child : row.children) {
             if (child.card == Card::IfNamed &&
-                !IsNamed(current(), scope, *Grammar::RowsOf(child.key).front()))
+                !IsNamed(current(), scope, Grammar::RowsOf(child.key).front()))
                 continue;
             if ((child.card == Card::IfPresent || child.card == Card::Any) && current() == nullptr)
                 continue;
@@ -205,7 +204,7 @@ class Reading {
         for (const Markup* const node : Visible(element)) {
             const auto accepting =
                 std::find_if(untried.begin(), untried.end(), [&](const ChildRow& child) {
-                    const ElementRow& candidate = *Grammar::RowsOf(child.key).front();
+                    const ElementRow& candidate = Grammar::RowsOf(child.key).front();
                     return IsNamed(node, scope, candidate) &&
                            (candidate.type.localName == nullptr ||
                             HasType(*node, ScopeIn(scope, *node), candidate.type.namespaceUri,
@@ -222,7 +221,7 @@ class Reading {
 
     void ReadSelected(const Markup& element, const Scope& scope, const ElementRow& row) {
         for (const Markup* const node : Visible(element))
-            if (IsNamed(node, scope, *Grammar::RowsOf(row.children.front().key).front()))
+            if (IsNamed(node, scope, Grammar::RowsOf(row.children.front().key).front()))
                 Read(node, scope, row.children.front().key);
     }
 

@@ -93,8 +93,7 @@ void AddText(std::vector<Markup>& children, const std::string& text) {
 
 Markup ParsedElement(const Markup& element) {
     CheckAttributesDiffer(element);
-    Markup parsed = element;
-    parsed.children.clear();
+    Markup parsed = ElementOf(element.name, element.attributes);
     for (const Markup& child : element.children) {
         if (child.kind == MarkupKind::Instruction) throw NotWellFormed{kStopped};
         if (child.kind == MarkupKind::EntityReference) {
@@ -173,16 +172,13 @@ std::string Written(const Markup& document) {
 }
 
 Markup AsParsed(const Markup& document) {
-    Markup parsed = document;
-    parsed.children.clear();
-    bool rootSeen = false;
+    Markup parsed{MarkupKind::Document, {}, {}, {}, {}};
     for (const Markup& child : document.children) {
         if (!child.IsElement()) continue;
-        if (rootSeen) throw NotWellFormed{kSecondRoot};
-        rootSeen = true;
+        if (!parsed.children.empty()) throw NotWellFormed{kSecondRoot};
         parsed.children.push_back(ParsedElement(child));
     }
-    if (!rootSeen) throw NotWellFormed{kNoElement};
+    if (parsed.children.empty()) throw NotWellFormed{kNoElement};
     return parsed;
 }
 

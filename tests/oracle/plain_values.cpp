@@ -1,7 +1,5 @@
 #include "oracle/plain_values.h"
 
-#include "oracle/markup_tree.h"
-
 #include <algorithm>
 #include <cstdint>
 #include <ctime>
@@ -11,15 +9,19 @@
 namespace Oracle {
 namespace {
 
-const std::string& Alphabet() {
-    static const std::string alphabet =
-        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    return alphabet;
+constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
+/// -1 for what is no digit.
+int SextetOf(char c) {
+    if (c >= 'A' && c <= 'Z') return c - 'A';
+    if (c >= 'a' && c <= 'z') return c - 'a' + 26;
+    if (c >= '0' && c <= '9') return c - '0' + 52;
+    if (c == '+') return 62;
+    return c == '/' ? 63 : -1;
 }
 
-int SextetOf(char c) {
-    const std::size_t place = Alphabet().find(c);
-    return place == std::string::npos ? -1 : static_cast<int>(place);
+bool IsSpace(char c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
 }  // namespace
@@ -36,7 +38,7 @@ std::optional<std::vector<unsigned char>> FromBase64(const std::string& text) {
     std::uint32_t bits = 0;
     std::size_t inGroup = 0;
     for (std::size_t i = 0; i < end; ++i) {
-        if (inGroup == 0 && std::string("\n\r\t \v\f").find(text[i]) != std::string::npos) continue;
+        if (inGroup == 0 && IsSpace(text[i])) continue;
         if (text[i] == '=') {
             if (end - i > 2) return std::nullopt;
             if (end - i == 2) {
@@ -65,7 +67,7 @@ std::string ToBase64(const std::vector<unsigned char>& bytes) {
         for (std::size_t j = i; j < i + 3; ++j)
             bits = bits << 8 | (j < bytes.size() ? bytes[j] : 0UL);
         for (std::size_t j = 0; j < 4; ++j)
-            text += i + j > bytes.size() ? '=' : Alphabet()[bits >> (18 - 6 * j) & 63];
+            text += i + j > bytes.size() ? '=' : kAlphabet[bits >> (18 - 6 * j) & 63];
     }
     return text;
 }
