@@ -16,7 +16,6 @@ const char* const kEnvelopedSignature = "http://www.w3.org/2000/09/xmldsig#envel
 namespace {
 
 constexpr Presence kOptional = Presence::Optional;
-constexpr char kTypeAttribute[] = "xsi:type";
 
 // Foreign children of a list fail the test for its member; these are no lists.
 constexpr char kBehindStatement[] = "Unexpected elements under Assertion";
@@ -64,7 +63,7 @@ std::vector<ElementRow> TokenRows() {
         ElementRow made =
             row(key, saml, std::move(attributes), content, std::move(children), behindLast);
         made.localName = localName;
-        made.rule = Attributes::NamespaceAware;
+        made.rule = Attributes::WithType;
         made.type = type;
         return made;
     };
@@ -101,7 +100,7 @@ std::vector<ElementRow> TokenRows() {
         bearerData,
         typed("SubjectConfirmationData (holder-of-key)", "SubjectConfirmationData",
               {saml, "KeyInfoConfirmationDataType"},
-              {{kTypeAttribute}, {"NotOnOrAfter", kOptional, Value::Date}}, Content::Children,
+              {{kType}, {"NotOnOrAfter", kOptional, Value::Date}}, Content::Children,
               {{"KeyInfo (holder)"}}, kBehindKeyInfo),
         ElementRow{"KeyInfo (holder)",
                    "KeyInfo",
@@ -138,8 +137,8 @@ std::vector<ElementRow> TokenRows() {
              {"Condition (renew)"}},
             kRestriction),
         typed("Condition (delegation)", "Condition",
-              {kDelegationNamespace, "DelegationRestrictionType"}, {{kTypeAttribute}},
-              Content::Children, {{"Delegate", Card::OneOrMore}}),
+              {kDelegationNamespace, "DelegationRestrictionType"}, {{kType}}, Content::Children,
+              {{"Delegate", Card::OneOrMore}}),
         row("Delegate", kDelegationNamespace,
             {{"DelegationInstant", Presence::Required, Value::Date}}, Content::Children,
             {{"NameID"}}, kBehindDelegateName),
@@ -148,7 +147,7 @@ std::vector<ElementRow> TokenRows() {
         row("ProxyRestriction", saml, {{"Count", Presence::Required, Value::Count}},
             Content::Nothing),
         typed("Condition (renew)", "Condition", {extension, "RenewRestrictionType"},
-              {{kTypeAttribute},
+              {{kType},
                {"Count", kOptional, Value::Count},
                {"Postdatable", kOptional},
                {"RenewExpired", kOptional}},

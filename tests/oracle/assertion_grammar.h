@@ -19,9 +19,9 @@ struct AttributeRow {
 };
 
 enum class Attributes {
-    Plain,           ///< The listed ones, by their written names.
-    NamespaceAware,  ///< The listed ones, by their expanded names.
-    AtLeast,         ///< The listed ones and any other.
+    Plain,     ///< The listed ones, by their written names.
+    WithType,  ///< The same, and `kType` by its namespace, whatever its prefix; worded otherwise.
+    AtLeast,   ///< The listed ones and any other.
     NotExamined,
 };
 
@@ -81,6 +81,9 @@ struct ElementRow {
 
 /// The rows of this key; at least one.
 const std::vector<ElementRow>& RowsOf(const std::string& key);
+
+/// The name of `xsi:type` in the rows.
+constexpr char kType[] = "xsi:type";
 
 extern const char* const kAssertionNamespace;
 extern const char* const kDelegationNamespace;

@@ -106,6 +106,9 @@ void Names(const Markup& base, const Visit& visit) {
             Declare(element, prefix,
                     isToken ? Grammar::kSignatureNamespace : Grammar::kAssertionNamespace);
         });
+        making.Make("a colon in front of its local name", place, {},
+                    [](Markup& element) { element.name = ":" + element.LocalName(); });
+        making.Make("a second colon", place, {}, [](Markup& element) { element.name += ":X"; });
         making.Make("the same name through another prefix", place, {}, [&](Markup& element) {
             Rename(element, "other");
             Declare(element, "other", uri);
@@ -131,6 +134,15 @@ void ExtraAttributes(const Making& making, const Place& place) {
                 });
     making.Make("an extra attribute of XML's own", place, {}, [](Markup& element) {
         element.attributes.push_back({"xml:lang", "en"});
+    });
+    making.Make("an extra attribute behind a colon", place, {}, [](Markup& element) {
+        element.attributes.push_back({":extra", "1"});
+    });
+    making.Make("a default declaration behind a colon", place, {}, [](Markup& element) {
+        element.attributes.push_back({":xmlns", kStrayNamespace});
+    });
+    making.Make("a declaration of no prefix", place, {}, [](Markup& element) {
+        element.attributes.push_back({"xmlns:", kStrayNamespace});
     });
     making.Make("nil", place, {}, [](Markup& element) {
         Declare(element, "xsi", Grammar::kInstanceNamespace);
@@ -168,9 +180,24 @@ void ChangedAttributes(const Making& making, const Place& place) {
             element.attributes[i].name = "xml:" + LocalNameOf(name);
             Declare(element, "xml", "http://www.w3.org/XML/1998/namespace");
         });
+        making.Make(
+            "an attribute moved to a prefix that nothing declares", place, name,
+            [&](Markup& element) { element.attributes[i].name = "none:" + LocalNameOf(name); });
+        making.Make("an attribute behind a colon", place, name,
+                    [&](Markup& element) { element.attributes[i].name = ":" + LocalNameOf(name); });
+        making.Make("an attribute repeated behind a colon", place, name, [&](Markup& element) {
+            element.attributes.push_back({":" + name, element.attributes[i].value});
+        });
         if (PrefixOf(name).empty()) continue;
         making.Make("an attribute without its prefix", place, name,
                     [&](Markup& element) { element.attributes[i].name = LocalNameOf(name); });
+        for (const char* const other : {"other", "zother"})  // before the usual one and behind it
+            making.Make("an attribute repeated through another prefix", place, name + ", " + other,
+                        [&](Markup& element) {
+                            element.attributes.push_back(
+                                {other + (":" + LocalNameOf(name)), element.attributes[i].value});
+                            Declare(element, other, Grammar::kInstanceNamespace);
+                        });
         making.Make("the same attribute through another prefix", place, name, [&](Markup& element) {
             element.attributes[i].name = "other:" + LocalNameOf(name);
             Declare(element, "other", Grammar::kInstanceNamespace);
@@ -197,14 +224,14 @@ void ForeignContent(const Markup& base, const Visit& visit) {
         making.PutIn("text inside", place, TextOf(kStrayText));
         making.PutIn("a CDATA section inside", place, Leaf(MarkupKind::CData, kStrayText));
         making.PutIn("a blank CDATA section inside", place, Leaf(MarkupKind::CData, " "));
-        making.PutIn("a reference to a character inside", place,
-                     Leaf(MarkupKind::EntityReference, "amp"));
-        making.PutIn("a reference to text inside", place,
-                     Leaf(MarkupKind::EntityReference, "stray"));
-        making.PutIn("a reference to nothing that is declared inside", place,
-                     Leaf(MarkupKind::EntityReference, "none"));
-        making.PutIn("a processing instruction inside", place,
-                     Leaf(MarkupKind::Instruction, "stray"));
+        making.PutAtTheEnd("a reference to a character inside", place,
+                           Leaf(MarkupKind::EntityReference, "amp"));
+        making.PutAtTheEnd("a reference to text inside", place,
+                           Leaf(MarkupKind::EntityReference, "stray"));
+        making.PutAtTheEnd("a reference to nothing that is declared inside", place,
+                           Leaf(MarkupKind::EntityReference, "none"));
+        making.PutAtTheEnd("a processing instruction inside", place,
+                           Leaf(MarkupKind::Instruction, "stray"));
     }
 }
 
@@ -226,10 +253,10 @@ void NeutralContent(const Markup& base, const Visit& visit) {
     for (const Place& place : ElementPlaces(base)) {
         making.PutIn("a comment inside", place, Leaf(MarkupKind::Comment, "stray"));
         making.PutIn("blanks inside", place, TextOf("\n\t "));
-        making.PutIn("a reference to a blank inside", place,
-                     Leaf(MarkupKind::EntityReference, "blank"));
-        making.PutIn("a reference to an empty text inside", place,
-                     Leaf(MarkupKind::EntityReference, "void"));
+        making.PutAtTheEnd("a reference to a blank inside", place,
+                           Leaf(MarkupKind::EntityReference, "blank"));
+        making.PutAtTheEnd("a reference to an empty text inside", place,
+                           Leaf(MarkupKind::EntityReference, "void"));
     }
 }
 

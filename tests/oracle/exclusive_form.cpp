@@ -50,6 +50,12 @@ std::string EscapedValue(const std::string& value) {
     return escaped;
 }
 
+/// Split and joined again: a colon in front is lost.
+std::string Rejoined(const std::string& name) {
+    const std::string prefix = PrefixOf(name);
+    return prefix.empty() ? LocalNameOf(name) : name;
+}
+
 /// Sort key and text of what stands in a start tag.
 using Written = std::pair<std::string, std::string>;
 
@@ -78,21 +84,21 @@ void Render(const Markup& element, const Scope& outer, Scope rendered, const Mar
         Declare(prefix, inScope, rendered, tag);
     Declare(element.Prefix(), inScope, rendered, tag);
     for (const Attribute& attribute : element.attributes) {
-        if (IsDeclaration(attribute.name)) continue;
         const std::string prefix = PrefixOf(attribute.name);
+        if (IsDeclaration(Rejoined(attribute.name))) continue;
         std::string uri;
         if (!prefix.empty()) {
             Declare(prefix, inScope, rendered, tag);
             Resolve(inScope, prefix, uri);
         }
         tag.emplace_back(uri + " " + LocalNameOf(attribute.name),
-                         Assigned(attribute.name, attribute.value));
+                         Assigned(Rejoined(attribute.name), attribute.value));
     }
     std::stable_sort(tag.begin(), tag.end(), [](const Written& left, const Written& right) {
         return left.first < right.first;
     });
 
-    out += "<" + element.name;
+    out += "<" + Rejoined(element.name);
     for (const Written& part : tag)
         out += part.second;
     out += ">";
@@ -103,7 +109,7 @@ void Render(const Markup& element, const Scope& outer, Scope rendered, const Mar
             out += EscapedText(*ReplacementOf(child.name));
         if (child.IsElement()) Render(child, inScope, rendered, excluded, {}, out);
     }
-    out += "</" + element.name + ">";
+    out += "</" + Rejoined(element.name) + ">";
 }
 
 }  // namespace

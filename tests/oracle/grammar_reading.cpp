@@ -22,27 +22,32 @@ using Grammar::Wording;
     throw Refusal{"Saml::ParseException", prefix + message};
 }
 
-/// A name that stands for namespace and local part: "xsi:type" of a row, or a written one.
-bool NamesTheSame(const std::string& rowName, const std::string& written, const Scope& scope) {
-    if (IsDeclaration(written)) return false;
-    std::string uri;
-    if (!PrefixOf(written).empty()) Resolve(scope, PrefixOf(written), uri);
-    const std::string rowUri = PrefixOf(rowName).empty() ? "" : Grammar::kInstanceNamespace;
-    return LocalNameOf(written) == LocalNameOf(rowName) && uri == rowUri;
+/// The `xsi:type`, whatever its prefix; the first by name should there be several.
+const Attribute* TypeOf(const Markup& element, const Scope& scope) {
+    const Attribute* type = nullptr;
+    for (const Attribute& attribute : element.attributes) {
+        std::string uri;
+        if (IsDeclaration(attribute.name) || LocalNameOf(attribute.name) != "type") continue;
+        if (PrefixOf(attribute.name).empty()) continue;
+        if (!Resolve(scope, PrefixOf(attribute.name), uri) || uri != Grammar::kInstanceNamespace)
+            continue;
+        if (type == nullptr || attribute.name < type->name) type = &attribute;
+    }
+    return type;
 }
 
-const std::string* ValueOf(const Markup& element, const Scope& scope, const ElementRow& row,
-                           const AttributeRow& attribute) {
-    if (row.rule != Attributes::NamespaceAware) return element.Find(attribute.name);
-    for (const Attribute& candidate : element.attributes)
-        if (NamesTheSame(attribute.name, candidate.name, scope)) return &candidate.value;
+/// The attribute that a row's attribute stands for.
+const Attribute* Find(const Markup& element, const Scope& scope, const AttributeRow& row) {
+    if (row.name == std::string(Grammar::kType)) return TypeOf(element, scope);
+    for (const Attribute& attribute : element.attributes)
+        if (attribute.name == row.name) return &attribute;
     return nullptr;
 }
 
-bool IsListed(const std::string& written, const Scope& scope, const ElementRow& row) {
+bool IsListed(const Markup& element, const Attribute& attribute, const Scope& scope,
+              const ElementRow& row) {
     return std::any_of(row.attributes.begin(), row.attributes.end(), [&](const AttributeRow& one) {
-        return row.rule == Attributes::NamespaceAware ? NamesTheSame(one.name, written, scope)
-                                                      : one.name == written;
+        return Find(element, scope, one) == &attribute;
     });
 }
 
@@ -51,7 +56,7 @@ void CheckAttributes(const Markup& element, const Scope& scope, const ElementRow
     const std::string name = element.LocalName();
     for (const AttributeRow& attribute : row.attributes) {
         if (attribute.presence == Presence::Optional) continue;
-        if (ValueOf(element, scope, row, attribute) != nullptr) continue;
+        if (Find(element, scope, attribute) != nullptr) continue;
         if (row.rule == Attributes::AtLeast)
             Refuse(row.wording, "Element '" + name + "' must have at least one attribute: '" +
                                     attribute.name + "'");
@@ -60,8 +65,8 @@ void CheckAttributes(const Markup& element, const Scope& scope, const ElementRow
     }
     if (row.rule == Attributes::AtLeast) return;
     for (const Attribute& attribute : element.attributes) {
-        if (IsDeclaration(attribute.name) || IsListed(attribute.name, scope, row)) continue;
-        if (row.rule == Attributes::NamespaceAware)
+        if (IsDeclaration(attribute.name) || IsListed(element, attribute, scope, row)) continue;
+        if (row.rule == Attributes::WithType)
             Refuse(row.wording,
                    "Unexpected attribute '" + attribute.name + "' on element '" + name + "'");
         Refuse(row.wording, "Unexpected attributes on element '" + name + "'");
@@ -71,11 +76,11 @@ void CheckAttributes(const Markup& element, const Scope& scope, const ElementRow
 void CheckValues(const Markup& element, const Scope& scope, const ElementRow& row) {
     const std::string name = element.LocalName();
     for (const AttributeRow& attribute : row.attributes) {
-        const std::string* const value = ValueOf(element, scope, row, attribute);
-        if (value == nullptr) continue;
-        if (attribute.value == Grammar::Value::Date && !InstantOf(*value))
+        const Attribute* const found = Find(element, scope, attribute);
+        if (found == nullptr) continue;
+        if (attribute.value == Grammar::Value::Date && !InstantOf(found->value))
             Refuse(row.wording, name + "/@" + attribute.name + " is not a date");
-        if (attribute.value == Grammar::Value::Count && !CountOf(*value))
+        if (attribute.value == Grammar::Value::Count && !CountOf(found->value))
             Refuse(row.wording, name + "/@" + attribute.name + " is not a non-negative integer.");
     }
 }
@@ -150,8 +155,8 @@ class Reading {
 
     static void ExpectType(const Markup& element, const Scope& scope, const ElementRow& row) {
         if (HasType(element, scope, row.type.namespaceUri, row.type.localName)) return;
-        const std::string value = *ValueOf(element, scope, row, row.attributes.front());
-        Refuse(row.wording, "Invalid SubjectConfirmationData type: '" + value + "'");
+        Refuse(row.wording,
+               "Invalid SubjectConfirmationData type: '" + TypeOf(element, scope)->value + "'");
     }
 
     void ReadContent(const Markup& element, const Scope& scope, const ElementRow& row) {
@@ -264,13 +269,10 @@ std::string TextIn(const Markup& element) {
 
 bool HasType(const Markup& element, const Scope& scope, const std::string& uri,
              const std::string& localName) {
-    for (const Attribute& attribute : element.attributes) {
-        if (!NamesTheSame("xsi:type", attribute.name, scope)) continue;
-        std::string found;
-        return Resolve(scope, PrefixOf(attribute.value), found) && found == uri &&
-               LocalNameOf(attribute.value) == localName;
-    }
-    return false;
+    const Attribute* const type = TypeOf(element, scope);
+    std::string found;
+    return type != nullptr && Resolve(scope, PrefixOf(type->value), found) && found == uri &&
+           LocalNameOf(type->value) == localName;
 }
 
 }  // namespace Oracle

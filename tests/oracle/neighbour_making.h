@@ -48,6 +48,10 @@ class Making {
             Make(fault, place, NameOf(slot), [&](Markup& element) { Insert(element, slot, node); });
     }
 
+    void PutAtTheEnd(const std::string& fault, const Place& place, const Markup& node) const {
+        Make(fault, place, {}, [&](Markup& element) { Insert(element, Slot::End, node); });
+    }
+
   private:
     const Markup& base_;
     const Visit& visit_;
