@@ -2,7 +2,7 @@
 
 #include "saml/token.h"
 
-#include <map>
+#include <utility>
 
 namespace Oracle::Grammar {
 
@@ -43,7 +43,6 @@ Choice Algorithm(const char* value) {
 // SAML core 2.3 to 2.7 and its delegation restriction, narrowed to the profile.
 std::vector<ElementRow> TokenRows() {
     const char* const saml = kAssertionNamespace;
-    const char* const ds = kSignatureNamespace;
     const char* const extension = Saml::ProfileUri::ExtensionNamespace;
     const auto row = [](const char* key, const char* uri, std::vector<AttributeRow> attributes,
                         Content content, std::vector<ChildRow> children = {},
@@ -65,6 +64,13 @@ std::vector<ElementRow> TokenRows() {
         made.localName = localName;
         made.rule = Attributes::WithType;
         made.type = type;
+        return made;
+    };
+    const auto held = [&](const char* key, const char* localName, Content content,
+                          std::vector<ChildRow> children = {}, const char* behindLast = nullptr) {
+        ElementRow made =
+            row(key, kSignatureNamespace, {}, content, std::move(children), behindLast);
+        made.localName = localName;
         return made;
     };
     const auto unexamined = [&](const char* key, Content content,
@@ -99,34 +105,14 @@ std::vector<ElementRow> TokenRows() {
                      "SubjectConfirmationData (holder-of-key)"),
         bearerData,
         typed("SubjectConfirmationData (holder-of-key)", "SubjectConfirmationData",
-              {saml, "KeyInfoConfirmationDataType"},
+              {saml, "KeyInfoConfirmationDataType", "Invalid SubjectConfirmationData type: '", "'"},
               {{kType}, {"NotOnOrAfter", kOptional, Value::Date}}, Content::Children,
               {{"KeyInfo (holder)"}}, kBehindKeyInfo),
-        ElementRow{"KeyInfo (holder)",
-                   "KeyInfo",
-                   ds,
-                   Wording::Token,
-                   Attributes::Plain,
-                   {},
-                   Content::Children,
-                   {{"X509Data (holder)"}},
-                   kBehindX509Data},
-        ElementRow{"X509Data (holder)",
-                   "X509Data",
-                   ds,
-                   Wording::Token,
-                   Attributes::Plain,
-                   {},
-                   Content::Children,
-                   {{"X509Certificate (holder)"}},
-                   kBehindCertificate},
-        ElementRow{"X509Certificate (holder)",
-                   "X509Certificate",
-                   ds,
-                   Wording::Token,
-                   Attributes::Plain,
-                   {},
-                   Content::Base64},
+        held("KeyInfo (holder)", "KeyInfo", Content::Children, {{"X509Data (holder)"}},
+             kBehindX509Data),
+        held("X509Data (holder)", "X509Data", Content::Children, {{"X509Certificate (holder)"}},
+             kBehindCertificate),
+        held("X509Certificate (holder)", "X509Certificate", Content::Base64),
         row("Conditions", saml,
             {{"NotBefore", Presence::Required, Value::Date},
              {"NotOnOrAfter", Presence::Required, Value::Date}},
@@ -224,9 +210,13 @@ std::map<std::string, std::vector<ElementRow>> AllRows() {
 
 }  // namespace
 
-const std::vector<ElementRow>& RowsOf(const std::string& key) {
+const std::map<std::string, std::vector<ElementRow>>& Rows() {
     static const std::map<std::string, std::vector<ElementRow>> rows = AllRows();
-    return rows.at(key);
+    return rows;
+}
+
+const std::vector<ElementRow>& RowsOf(const std::string& key) {
+    return Rows().at(key);
 }
 
 }  // namespace Oracle::Grammar

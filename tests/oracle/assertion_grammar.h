@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -62,6 +63,10 @@ struct Choice {
 struct Type {
     const char* namespaceUri = nullptr;
     const char* localName = nullptr;
+    /// Said of any other value, which stands between the two; null where another type is another
+    /// row's.
+    const char* otherwiseBefore = nullptr;
+    const char* otherwiseBehind = nullptr;
 };
 
 struct ElementRow {
@@ -79,6 +84,8 @@ struct ElementRow {
     Type type = {};
 };
 
+/// All rows, by their keys.
+const std::map<std::string, std::vector<ElementRow>>& Rows();
 /// The rows of this key; at least one.
 const std::vector<ElementRow>& RowsOf(const std::string& key);
 

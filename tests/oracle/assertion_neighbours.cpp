@@ -71,6 +71,10 @@ void Structure(const Markup& base, const Visit& visit) {
             element.children.insert(at(element), copy);
         });
         SwapWithNext(making, parent, number);
+        if (number + 1 < At(base, parent).children.size())
+            making.Make("everything behind it removed", parent, child, [&](Markup& element) {
+                element.children.erase(at(element) + 1, element.children.end());
+            });
         if (At(base, place).children.empty()) continue;
         making.Make("emptied", place, {}, [](Markup& element) { element.children.clear(); });
         making.Make("replaced by its content", parent, child, [&](Markup& element) {
@@ -213,17 +217,33 @@ void Attributes(const Markup& base, const Visit& visit) {
     }
 }
 
+/// In every gap between two elements, where `PutIn` knows but three places.
+void PutBehind(const Making& making, const std::string& fault, const Place& place,
+               const Markup& node) {
+    Place parent = place;
+    const std::size_t number = parent.back();
+    parent.pop_back();
+    if (parent.empty()) return;  // behind the root
+    making.Make(fault, parent, "child " + std::to_string(number), [&](Markup& element) {
+        element.children.insert(element.children.begin() + static_cast<std::ptrdiff_t>(number) + 1,
+                                node);
+    });
+}
+
 void ForeignContent(const Markup& base, const Visit& visit) {
     const Making making(base, visit);
     for (const Place& place : ElementPlaces(base)) {
+        PutBehind(making, "text behind it", place, TextOf(kStrayText));
+        PutBehind(making, "a foreign element behind it", place,
+                  ElementOf("stray:Stray", {{"xmlns:stray", kStrayNamespace}}));
         making.PutIn("a foreign element inside", place,
                      ElementOf("stray:Stray", {{"xmlns:stray", kStrayNamespace}}));
         making.PutIn("an element of its own namespace inside", place,
                      ElementOf(Qualified(At(base, place).Prefix(), "Stray"), {}));
-        making.PutIn("itself inside", place, At(base, place));
+        making.PutAtTheEnd("itself inside", place, At(base, place));
         making.PutIn("text inside", place, TextOf(kStrayText));
         making.PutIn("a CDATA section inside", place, Leaf(MarkupKind::CData, kStrayText));
-        making.PutIn("a blank CDATA section inside", place, Leaf(MarkupKind::CData, " "));
+        making.PutAtTheEnd("a blank CDATA section inside", place, Leaf(MarkupKind::CData, " "));
         making.PutAtTheEnd("a reference to a character inside", place,
                            Leaf(MarkupKind::EntityReference, "amp"));
         making.PutAtTheEnd("a reference to text inside", place,

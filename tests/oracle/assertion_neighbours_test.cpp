@@ -16,6 +16,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <typeinfo>
 
 namespace {
 
@@ -59,7 +60,7 @@ Outcome Observe(const std::string& xml) {
     }
 }
 
-/// What was compared, and how often each answer was right.
+/// Compares what is predicted with what the library says, and counts.
 class Comparison {
   public:
     void Compare(const Neighbour& neighbour) {
@@ -137,12 +138,25 @@ INSTANTIATE_TEST_SUITE_P(Grammar, AssertionNeighbours, testing::ValuesIn(FaultFa
                              return std::string(row.param.name);
                          });
 
-TEST(AssertionNeighboursCount, IsOverAThousandAndEveryFaultIsDoneInManyPlaces) {
+/// How often `part` stands in `text`.
+int Occurrences(const std::string& text, const std::string& part) {
+    int count = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+        ++count;
+    return count;
+}
+
+TEST(AssertionNeighboursCount, IsOverAThousandAndEveryElementAndAttributeHasItsFaults) {
     std::map<std::string, int> byFault;
     std::set<std::string> texts;
     int all = 0;
+    int elements = 0;
+    int attributes = 0;
     for (const Confirmation confirmation : {Confirmation::Bearer, Confirmation::HolderOfKey}) {
         const Markup base = FullAssertion(confirmation, Now());
+        const std::string xml = Written(base);
+        elements += Occurrences(xml, "</");
+        attributes += Occurrences(xml, "=\"");
         for (const FaultFamily& family : FaultFamilies())
             family.each(base, [&](const Neighbour& neighbour) {
                 ++all;
@@ -150,13 +164,27 @@ TEST(AssertionNeighboursCount, IsOverAThousandAndEveryFaultIsDoneInManyPlaces) {
                 texts.insert(Written(neighbour.document));
             });
     }
-    for (const auto& [fault, count] : byFault)
+    for (const auto& [fault, count] : byFault) {
         std::cout << count << "\t" << fault << "\n";
+        EXPECT_GE(count, 2) << fault;
+    }
     std::cout << all << " neighbours by " << byFault.size() << " kinds of fault, " << texts.size()
-              << " different texts\n";
+              << " different texts; of two assertions with " << elements << " elements and "
+              << attributes << " attributes\n";
     RecordProperty("neighbours", all);
     RecordProperty("different_texts", static_cast<int>(texts.size()));
+
     EXPECT_GT(texts.size(), 1000U);
+    for (const char* const fault :
+         {"removed", "duplicated", "renamed", "prefix bound to another namespace",
+          "an extra attribute", "an extra attribute with a prefix", "an unused declaration",
+          "a processing instruction inside", "a reference to text inside"})
+        EXPECT_EQ(byFault[fault], elements) << fault;
+    for (const char* const fault : {"a foreign element inside", "text inside",
+                                    "a CDATA section inside", "a comment inside", "blanks inside"})
+        EXPECT_GT(byFault[fault], elements) << fault;
+    EXPECT_EQ(byFault["an attribute removed"], attributes);
+    EXPECT_EQ(byFault["an attribute repeated"], attributes);
 }
 
 }  // namespace

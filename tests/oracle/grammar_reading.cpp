@@ -89,7 +89,7 @@ void CheckValues(const Markup& element, const Scope& scope, const ElementRow& ro
 bool IsNamed(const Markup* node, const Scope& outer, const ElementRow& row) {
     if (node == nullptr || !node->IsElement() || node->LocalName() != row.localName) return false;
     std::string uri;
-    return Resolve(ScopeIn(outer, *node), node->Prefix(), uri) && uri == row.namespaceUri;
+    return NamespaceOf(outer, *node, uri) && uri == row.namespaceUri;
 }
 
 void ExpectElement(const Markup* node, const Scope& outer, const ElementRow& row) {
@@ -100,7 +100,7 @@ void ExpectElement(const Markup* node, const Scope& outer, const ElementRow& row
         Refuse(row.wording,
                std::string("Element '") + row.localName + "' has unexpected namespace");
     std::string uri;
-    Resolve(ScopeIn(outer, *node), node->Prefix(), uri);
+    NamespaceOf(outer, *node, uri);
     Refuse(row.wording,
            std::string("Element '") + row.localName + " has unexpected namespace: '" + uri + "'");
 }
@@ -127,6 +127,9 @@ void CheckNothing(const Markup& element, const ElementRow& row) {
 /// One reading of one assertion.
 class Reading {
   public:
+    /// For the whole assertion's `ID`.
+    explicit Reading(const Markup& assertion) : assertion_(assertion) {}
+
     void Read(const Markup* node, const Scope& outer, const std::string& key) {
         const std::vector<ElementRow>& rows = Grammar::RowsOf(key);
         ExpectElement(node, outer, rows.front());
@@ -134,14 +137,10 @@ class Reading {
         CheckAttributes(*node, scope, rows.front());
         CheckValues(*node, scope, rows.front());
         const ElementRow& row = Chosen(*node, rows);
-        if (row.key == std::string("SubjectConfirmationData (holder-of-key)"))
-            ExpectType(*node, scope, row);
+        ExpectType(*node, scope, row);
         ReadContent(*node, scope, row);
         if (row.key == std::string("Signature")) ExpectCoverage(*node);
     }
-
-    /// For the whole assertion's `ID`.
-    explicit Reading(const Markup& assertion) : assertion_(assertion) {}
 
   private:
     static const ElementRow& Chosen(const Markup& element, const std::vector<ElementRow>& rows) {
@@ -154,9 +153,11 @@ class Reading {
     }
 
     static void ExpectType(const Markup& element, const Scope& scope, const ElementRow& row) {
-        if (HasType(element, scope, row.type.namespaceUri, row.type.localName)) return;
+        const Grammar::Type& type = row.type;
+        if (type.otherwiseBefore == nullptr) return;
+        if (HasType(element, scope, type.namespaceUri, type.localName)) return;
         Refuse(row.wording,
-               "Invalid SubjectConfirmationData type: '" + TypeOf(element, scope)->value + "'");
+               type.otherwiseBefore + TypeOf(element, scope)->value + type.otherwiseBehind);
     }
 
     void ReadContent(const Markup& element, const Scope& scope, const ElementRow& row) {

@@ -207,4 +207,12 @@ bool Resolve(const Scope& scope, const std::string& prefix, std::string& uri) {
     return true;
 }
 
+bool NamespaceOf(const Scope& outer, const Markup& element, std::string& uri) {
+    const std::string prefix = element.Prefix();
+    const std::string* const own = element.Find(prefix.empty() ? "xmlns" : "xmlns:" + prefix);
+    if (own == nullptr) return Resolve(outer, prefix, uri);
+    uri = *own;
+    return true;
+}
+
 }  // namespace Oracle

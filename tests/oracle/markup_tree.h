@@ -58,6 +58,8 @@ using Scope = std::map<std::string, std::string>;
 Scope ScopeIn(const Scope& outer, const Markup& element);
 /// Gives false for an unbound prefix.
 bool Resolve(const Scope& scope, const std::string& prefix, std::string& uri);
+/// What the element's own prefix is bound to, where `outer` holds around the element.
+bool NamespaceOf(const Scope& outer, const Markup& element, std::string& uri);
 
 /// Before and behind the first colon; no prefix without one.
 std::string PrefixOf(const std::string& qualifiedName);
