@@ -4,13 +4,14 @@
 #include "oracle/canonicalization/random_trees.h"
 #include "oracle/canonicalization/tree_features.h"
 #include "saml/security/signature_context.h"
+#include "support/dice.h"
 #include "support/random_seed.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <iostream>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -18,7 +19,6 @@
 namespace Saml::Xml::Security {
 namespace {
 
-using RandomTrees::Below;
 using RandomTrees::CDataSections;
 
 constexpr std::uint64_t kUsualSeed = 20010315;
@@ -136,48 +136,41 @@ struct Counts {
     }
 };
 
-std::mt19937_64 GeneratorOf(std::uint64_t seed, std::size_t shard, std::size_t tree) {
-    std::seed_seq seeds{std::uint64_t(seed >> 32), std::uint64_t(seed & 0xFFFFFFFF),
-                        std::uint64_t(shard), std::uint64_t(tree)};
-    return std::mt19937_64(seeds);
-}
-
 /// Some of the prefixes that the list may name, in any order; a word that nobody declares now and
 /// then.
-std::vector<std::string> RandomPrefixList(const RandomTrees::Element& apex,
-                                          std::mt19937_64& random) {
+std::vector<std::string> RandomPrefixList(const RandomTrees::Element& apex, Dice& dice) {
     std::vector<std::string> prefixes = RandomTrees::PrefixesForAList(apex);
-    std::shuffle(prefixes.begin(), prefixes.end(), random);
-    prefixes.resize(prefixes.empty() ? 0 : 1 + Below(random, prefixes.size()));
-    if (Below(random, 8) == 0) prefixes.push_back("nobody");
+    dice.Shuffle(prefixes);
+    prefixes.resize(prefixes.empty() ? 0 : 1 + dice.Below(prefixes.size()));
+    if (dice.Below(8) == 0) prefixes.push_back("nobody");
     return prefixes;
 }
 
 /// One below `apex`, or `apex` itself when it has no child elements.
-std::size_t RandomElementBelow(const RandomTrees::Element& apex, std::mt19937_64& random) {
+std::size_t RandomElementBelow(const RandomTrees::Element& apex, Dice& dice) {
     std::vector<std::size_t> numbers;
     for (const RandomTrees::Content& content : apex.content)
         if (content.element) numbers.push_back(content.element->number);
     if (numbers.empty()) return apex.number;
     const std::size_t first = numbers.front();
     // Every number up to that of the last child lies below the apex.
-    return first + Below(random, numbers.back() - first + 1);
+    return first + dice.Below(numbers.back() - first + 1);
 }
 
-void CompareFormsAt(const RandomTrees::Element& apex, const TreeInBoth& both,
-                    std::mt19937_64& random, Counts& counts) {
+void CompareFormsAt(const RandomTrees::Element& apex, const TreeInBoth& both, Dice& dice,
+                    Counts& counts) {
     LibXml2::CanonicalPart part;
     part.apex = apex.number;
     both.ExpectOneForm(part);
     ++counts.exclusive;
 
-    part.prefixes = RandomPrefixList(apex, random);
+    part.prefixes = RandomPrefixList(apex, dice);
     if (!part.prefixes.empty()) {
         both.ExpectOneForm(part);
         ++counts.withPrefixList;
     }
 
-    part.leftOut = RandomElementBelow(apex, random);
+    part.leftOut = RandomElementBelow(apex, dice);
     if (*part.leftOut != apex.number) {
         both.ExpectOneForm(part);
         ++counts.withElementLeftOut;
@@ -197,16 +190,15 @@ class RandomTreesShard : public testing::TestWithParam<std::size_t> {
         const std::uint64_t seed = RandomSeed(kUsualSeed);
         Counts counts;
         for (std::size_t number = 0; number != countOfTrees && !HasFailure(); ++number) {
-            std::mt19937_64 random = GeneratorOf(seed, GetParam(), number);
-            const RandomTrees::Tree tree = RandomTrees::Grow(random, sections);
+            Dice dice(seed, {GetParam(), number});
+            const RandomTrees::Tree tree = RandomTrees::Grow(dice, sections);
             SCOPED_TRACE("seed " + std::to_string(seed) + ", tree " + std::to_string(number));
             const TreeInBoth both(RandomTrees::Write(tree, sections),
                                   RandomTrees::Write(tree, CDataSections::No));
             both.ExpectToBeTheSameTree(tree.elements.size());
             if (HasFailure()) break;
-            CompareFormsAt(*tree.root, both, random, counts);
-            CompareFormsAt(*tree.elements[Below(random, tree.elements.size())], both, random,
-                           counts);
+            CompareFormsAt(*tree.root, both, dice, counts);
+            CompareFormsAt(*tree.elements[dice.Below(tree.elements.size())], both, dice, counts);
             ++counts.trees;
         }
         counts.Report();
@@ -239,9 +231,9 @@ TEST(RandomTrees, HaveEveryFeatureThatTheyAreMadeFor) {
     const std::uint64_t seed = RandomSeed(kUsualSeed);
     RandomTrees::FeatureCounts counts = RandomTrees::NoFeatures();
     for (std::size_t number = 0; number != kTreesOfAShard / 2; ++number) {
-        std::mt19937_64 random = GeneratorOf(seed, 0, number);
+        Dice dice(seed, {0, number});
         const auto sections = number % 4 == 0 ? CDataSections::Yes : CDataSections::No;
-        RandomTrees::CountFeatures(RandomTrees::Grow(random, sections), counts);
+        RandomTrees::CountFeatures(RandomTrees::Grow(dice, sections), counts);
     }
     for (const auto& [feature, count] : counts) {
         std::cout << count << " times " << feature << "\n";

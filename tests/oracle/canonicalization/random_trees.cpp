@@ -1,7 +1,6 @@
 #include "oracle/canonicalization/random_trees.h"
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
 namespace RandomTrees {
@@ -94,8 +93,8 @@ constexpr Shape kManyAttributes{3, 8, 3, 3, 24};
 
 class Growth {
   public:
-    Growth(std::mt19937_64& random, CDataSections sections)
-        : random_(random), sections_(sections), shape_(PickShape()) {}
+    Growth(Dice& dice, CDataSections sections)
+        : dice_(dice), sections_(sections), shape_(PickShape()) {}
 
     Tree Grow() {
         Tree tree;
@@ -107,16 +106,15 @@ class Growth {
     }
 
   private:
-    bool Chance(std::size_t percent) { return Below(random_, 100) < percent; }
+    bool Chance(std::size_t percent) { return dice_.Chance(percent); }
 
     template <class Choices>
     std::string Pick(const Choices& choices) {
-        return *std::next(std::begin(choices),
-                          static_cast<std::ptrdiff_t>(Below(random_, std::size(choices))));
+        return dice_.Any(choices);
     }
 
     Shape PickShape() {
-        const std::size_t number = Below(random_, 100);
+        const std::size_t number = dice_.Below(100);
         return number < 88 ? kBushy : number < 92 ? kDeep : number < 95 ? kWide : kManyAttributes;
     }
 
@@ -139,7 +137,7 @@ class Growth {
         const Scope scope = ScopeBelow(outer, *element);
         element->name = QualifiedName(Chance(30) ? "" : PickPrefix(scope), Pick(kLocalNames));
         AddAttributes(*element, scope);
-        std::shuffle(element->attributes.begin(), element->attributes.end(), random_);
+        dice_.Shuffle(element->attributes);
         AddContent(*element, scope);
         element->hasShortTag = element->content.empty() && Chance(50);
         return element;
@@ -147,7 +145,7 @@ class Growth {
 
     void AddDeclarations(Element& element, const Scope& outer) {
         if (!Chance(element.parent == nullptr ? 80 : 35)) return;
-        for (std::size_t left = 1 + Below(random_, 3); left != 0; --left) {
+        for (std::size_t left = 1 + dice_.Below(3); left != 0; --left) {
             const std::string prefix = Chance(25) ? "" : Pick(kPrefixes);
             const std::string name = prefix.empty() ? "xmlns" : "xmlns:" + prefix;
             if (HasAttribute(element, name)) continue;
@@ -163,9 +161,7 @@ class Growth {
         return Pick(kUris);
     }
 
-    std::pair<std::string, std::string> PickBound(const Scope& scope) {
-        return *std::next(scope.begin(), static_cast<std::ptrdiff_t>(Below(random_, scope.size())));
-    }
+    std::pair<std::string, std::string> PickBound(const Scope& scope) { return dice_.Any(scope); }
 
     /// Empty when there is nothing in scope to pick.
     std::string PickPrefix(const Scope& scope) {
@@ -175,12 +171,12 @@ class Growth {
     void AddAttributes(Element& element, const Scope& scope) {
         const bool hasXmlAttribute = Chance(6);
         std::vector<std::pair<std::string, std::string>> expandedNames;
-        for (std::size_t left = Below(random_, shape_.attributes + 1); left != 0; --left) {
+        for (std::size_t left = dice_.Below(shape_.attributes + 1); left != 0; --left) {
             const std::string prefix = Chance(50) ? "" : PickPrefix(scope);
             const std::string uri = prefix.empty() ? "" : scope.at(prefix);
             std::string local = Pick(kLocalNames);
             if (hasXmlAttribute && prefix.empty())
-                local = kLocalNames[Below(random_, kLocalNamesBeforeBase)];
+                local = kLocalNames[dice_.Below(kLocalNamesBeforeBase)];
             if (hasXmlAttribute && !prefix.empty() && uri < kXmlNamespace) continue;
             if (std::count(expandedNames.begin(), expandedNames.end(), std::pair(uri, local)) != 0)
                 continue;
@@ -215,21 +211,21 @@ class Growth {
 
     std::string Characters(std::size_t most) {
         std::string spelled;
-        for (std::size_t left = Below(random_, most + 1); left != 0; --left)
+        for (std::size_t left = dice_.Below(most + 1); left != 0; --left)
             spelled += Pick(kPieces);
         return spelled;
     }
 
     void AddContent(Element& element, const Scope& scope) {
         const std::size_t most = element.parent == nullptr ? shape_.rootContent : shape_.content;
-        for (std::size_t left = Below(random_, most + 1); left != 0; --left)
+        for (std::size_t left = dice_.Below(most + 1); left != 0; --left)
             AddOne(element, scope);
         // A deep tree goes on where others may end.
         if (shape_.depth == kDeepest) AddElement(element, scope);
     }
 
     void AddOne(Element& element, const Scope& scope) {
-        const std::size_t number = Below(random_, 100);
+        const std::size_t number = dice_.Below(100);
         if (number < 40)
             AddElement(element, scope);
         else if (number < 65)
@@ -249,7 +245,7 @@ class Growth {
         element.content.push_back({Content::Kind::Element, "", GrowElement(&element, scope)});
     }
 
-    std::mt19937_64& random_;
+    Dice& dice_;
     const CDataSections sections_;
     const Shape shape_;
     std::vector<const Element*> elements_;
@@ -291,8 +287,8 @@ void CollectUnusedChanges(const Element& element, const Scope& scope,
 
 }  // namespace
 
-Tree Grow(std::mt19937_64& random, CDataSections sections) {
-    return Growth(random, sections).Grow();
+Tree Grow(Dice& dice, CDataSections sections) {
+    return Growth(dice, sections).Grow();
 }
 
 std::string Write(const Tree& tree, CDataSections sections) {
@@ -302,21 +298,11 @@ std::string Write(const Tree& tree, CDataSections sections) {
 }
 
 bool IsDeclaration(const Attribute& attribute) {
-    return attribute.name == "xmlns" || attribute.name.compare(0, 6, "xmlns:") == 0;
+    return QualifiedNames::IsDeclaration(attribute.name);
 }
 
 std::string DeclaredPrefix(const Attribute& declaration) {
     return declaration.name == "xmlns" ? "" : LocalNameOf(declaration.name);
-}
-
-std::string PrefixOf(const std::string& name) {
-    const std::size_t colon = name.find(':');
-    return colon == std::string::npos ? "" : name.substr(0, colon);
-}
-
-std::string LocalNameOf(const std::string& name) {
-    const std::size_t colon = name.find(':');
-    return colon == std::string::npos ? name : name.substr(colon + 1);
 }
 
 Scope ScopeBelow(Scope scope, const Element& element) {
@@ -358,10 +344,6 @@ bool IsBelowXmlAttributes(const Element& element) {
     for (const Element* above = element.parent; above != nullptr; above = above->parent)
         if (Uses(*above, "xml")) return true;
     return false;
-}
-
-std::size_t Below(std::mt19937_64& random, std::size_t count) {
-    return static_cast<std::size_t>(random() % count);
 }
 
 }  // namespace RandomTrees

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "support/dice.h"
+#include "support/qualified_names.h"
+
 #include <cstddef>
 #include <map>
 #include <memory>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -52,16 +54,15 @@ struct Tree {
 /// Whether there are any. Where there are none, they were never written.
 enum class CDataSections { No, Yes };
 
-Tree Grow(std::mt19937_64& random, CDataSections sections);
+Tree Grow(Dice& dice, CDataSections sections);
 /// The text of `tree`.
 std::string Write(const Tree& tree, CDataSections sections);
 
-/// True for "xmlns" and "xmlns:p".
+using QualifiedNames::LocalNameOf;
+using QualifiedNames::PrefixOf;
 bool IsDeclaration(const Attribute& attribute);
 /// What it declares; empty for the default namespace.
 std::string DeclaredPrefix(const Attribute& declaration);
-std::string PrefixOf(const std::string& name);
-std::string LocalNameOf(const std::string& name);
 
 /// Namespace URIs by prefix. The default namespace has the empty prefix; it is missing when there
 /// is none.
@@ -81,8 +82,5 @@ std::vector<std::string> PrefixesForAList(const Element& apex);
 
 /// True when an element above has an `xml:` attribute. Canonical XML 1.0 gives it to the apex.
 bool IsBelowXmlAttributes(const Element& element);
-
-/// Uniform among 0 to `count` - 1.
-std::size_t Below(std::mt19937_64& random, std::size_t count);
 
 }  // namespace RandomTrees

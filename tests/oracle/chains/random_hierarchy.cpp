@@ -1,9 +1,8 @@
 #include "oracle/chains/random_hierarchy.h"
 
+#include "support/dice.h"
+
 #include <algorithm>
-#include <iterator>
-#include <random>
-#include <sstream>
 #include <utility>
 
 namespace Chains {
@@ -17,20 +16,6 @@ constexpr std::size_t kOtherRootsKey = 7;
 constexpr std::size_t kUnrelatedKey = 8;
 constexpr std::size_t kClonesKey = 9;
 static_assert(kClonesKey < kPoolSize);
-
-/// The distributions of the standard library differ between platforms, the engine does not.
-class Dice {
-  public:
-    Dice(std::uint64_t seed, std::uint64_t index) {
-        std::seed_seq seeds{seed, seed >> 32U, index};
-        engine_.seed(seeds);
-    }
-    std::size_t Below(std::size_t end) { return static_cast<std::size_t>(engine_() % end); }
-    bool Chance(std::size_t percent) { return Below(100) < percent; }
-
-  private:
-    std::mt19937_64 engine_;
-};
 
 Description SelfSigned(const std::string& name, std::size_t key) {
     Description root;
@@ -245,8 +230,7 @@ void DrawSent(Dice& dice, Hierarchy& hierarchy) {
     const bool othersFirst = dice.Chance(40);
     sent.insert(othersFirst ? sent.begin() : sent.end(), others.begin(), others.end());
     if (dice.Chance(50)) {
-        for (std::size_t i = sent.size(); i > 1; --i)
-            std::swap(sent[i - 1], sent[dice.Below(i)]);
+        dice.Shuffle(sent);
         if (sent.size() > 1) hierarchy.features.insert("order shuffled");
     }
     hierarchy.sent.push_back(hierarchy.signer);
@@ -308,13 +292,13 @@ void AppendPlaces(const char* title, const std::vector<std::size_t>& places, std
 }  // namespace
 
 Hierarchy RandomHierarchy(std::uint64_t seed, std::uint64_t index) {
-    Dice dice(seed, index);
+    Dice dice(seed, {index});
     Hierarchy hierarchy;
     const std::size_t levels = dice.Chance(8) ? 1 : 2 + dice.Below(kMostLevels - 1);
     hierarchy.certificates = SoundPath(levels, dice);
     hierarchy.signer = levels - 1;
     for (std::size_t percent = 60; dice.Chance(percent); percent = 20) {
-        const Variation& variation = kVariations[dice.Below(std::size(kVariations))];
+        const Variation& variation = dice.Any(kVariations);
         if (variation.apply(hierarchy.certificates, dice))
             hierarchy.features.insert(variation.name);
     }

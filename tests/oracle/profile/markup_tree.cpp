@@ -113,20 +113,6 @@ Markup ParsedElement(const Markup& element) {
 
 }  // namespace
 
-std::string PrefixOf(const std::string& qualifiedName) {
-    const std::size_t colon = qualifiedName.find(':');
-    return colon == std::string::npos ? std::string() : qualifiedName.substr(0, colon);
-}
-
-std::string LocalNameOf(const std::string& qualifiedName) {
-    const std::size_t colon = qualifiedName.find(':');
-    return colon == std::string::npos ? qualifiedName : qualifiedName.substr(colon + 1);
-}
-
-bool IsDeclaration(const std::string& attributeName) {
-    return attributeName == "xmlns" || attributeName.rfind("xmlns:", 0) == 0;
-}
-
 bool IsBlank(const std::string& text) {
     return text.find_first_not_of("\t\n\r ") == std::string::npos;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/qualified_names.h"
+
 #include <map>
 #include <string>
 #include <vector>
@@ -61,10 +63,9 @@ bool Resolve(const Scope& scope, const std::string& prefix, std::string& uri);
 /// What the element's own prefix is bound to, where `outer` holds around the element.
 bool NamespaceOf(const Scope& outer, const Markup& element, std::string& uri);
 
-/// Before and behind the first colon; no prefix without one.
-std::string PrefixOf(const std::string& qualifiedName);
-std::string LocalNameOf(const std::string& qualifiedName);
-bool IsDeclaration(const std::string& attributeName);
+using QualifiedNames::IsDeclaration;
+using QualifiedNames::LocalNameOf;
+using QualifiedNames::PrefixOf;
 bool IsBlank(const std::string& text);
 
 }  // namespace Oracle

@@ -1,10 +1,12 @@
 #include "oracle/signatures/markup_places.h"
 
+#include "support/qualified_names.h"
+
 #include <algorithm>
 #include <stdexcept>
 #include <utility>
 
-namespace Markup {
+namespace MarkupPlaces {
 namespace {
 
 constexpr char kBlanks[] = " \t\r\n";
@@ -67,7 +69,7 @@ class Scan {
         element.whole.begin = element.startTag.begin = at_++;
         element.startName = Until(" \t\r\n/>");
         const std::string name = xml_.substr(element.startName.begin, element.startName.Size());
-        element.localName = name.substr(name.find(':') + 1);
+        element.localName = QualifiedNames::LocalNameOf(name);
         while (xml_[at_] != '>' && xml_[at_] != '/')
             ReadAttribute(element);
         if (!open_.empty()) element.parent = open_.back();
@@ -104,4 +106,4 @@ Places PlacesOf(const std::string& xml) {
     return Scan(xml).All();
 }
 
-}  // namespace Markup
+}  // namespace MarkupPlaces

@@ -6,7 +6,7 @@
 #include <vector>
 
 /// Where the pieces of a well-formed text stand that has no DOCTYPE and no CDATA section.
-namespace Markup {
+namespace MarkupPlaces {
 
 struct Span {
     std::size_t begin;
@@ -45,4 +45,4 @@ struct Places {
 /// \throws std::runtime_error  The text is of another form.
 Places PlacesOf(const std::string& xml);
 
-}  // namespace Markup
+}  // namespace MarkupPlaces

@@ -3,13 +3,12 @@
 #include "oracle/signatures/signed_parts.h"
 #include "oracle/signatures/spoiling.h"
 #include "oracle/signatures/xmlsec1.h"
+#include "support/dice.h"
 #include "support/random_seed.h"
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <iostream>
-#include <random>
 #include <stdexcept>
 #include <typeinfo>
 
@@ -45,8 +44,8 @@ void SpoilingTrial::SpoilAndJudge(const std::string& token, const Cell& cell, Wi
     const SignedParts parts = SignedPartsOf(token, cell);
     const ResolverHandle resolver = SetOf(cell.size.signer);
     // Each token has numbers of its own, whichever tokens share its process.
-    std::mt19937_64 random(seed_ ^ std::hash<std::string>()(cell.Name()));
-    Spoiler spoiler(token, cell.Prefixes(), random);
+    Dice dice(seed_, cell.Name());
+    Spoiler spoiler(token, cell.Prefixes(), dice);
     for (std::size_t i = 0; i != kSpoilingsOfAToken; ++i) {
         const Spoiler::Spoiled spoiled = spoiler.Spoil(spoilings_);
         SCOPED_TRACE("seed " + std::to_string(seed_) + ", " + spoiled.how + ":\n" + spoiled.xml +

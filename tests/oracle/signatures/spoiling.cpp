@@ -1,5 +1,7 @@
 #include "oracle/signatures/spoiling.h"
 
+#include "support/qualified_names.h"
+
 #include <algorithm>
 #include <iterator>
 #include <set>
@@ -15,12 +17,11 @@ const std::string kBlanks = " \t\n";
 
 }  // namespace
 
-Spoiler::Spoiler(const std::string& token, const std::string& listedPrefixes,
-                 std::mt19937_64& random)
+Spoiler::Spoiler(const std::string& token, const std::string& listedPrefixes, Dice& dice)
     : token_(token),
       listedPrefixes_(" " + listedPrefixes + " "),
-      random_(random),
-      places_(Markup::PlacesOf(token)) {
+      dice_(dice),
+      places_(MarkupPlaces::PlacesOf(token)) {
     Choose();
 }
 
@@ -55,7 +56,7 @@ Spoiler::Spoiled Spoiler::Spoil(std::size_t turn) {
 /// What is below the assertion, but for the signature's `KeyInfo` and the white space around its
 /// children.
 void Spoiler::Choose() {
-    const std::vector<Markup::Element>& all = places_.elements;
+    const std::vector<MarkupPlaces::Element>& all = places_.elements;
     std::set<std::size_t> chosen;
     std::set<std::size_t> bytes;
     for (std::size_t i = 0; i != all.size(); ++i) {
@@ -70,13 +71,13 @@ void Spoiler::Choose() {
             bytes.insert(place);
         // Changed at random, a namespace name may become a relative one. Those Canonical XML 1.0
         // refuses (1.3) even where it writes nothing of them, and then there is nothing to compare.
-        for (const Markup::Attribute& attribute : all[i].attributes)
+        for (const MarkupPlaces::Attribute& attribute : all[i].attributes)
             if (IsDeclaration(attribute))
                 for (std::size_t place = attribute.value.begin; place != attribute.value.end;
                      ++place)
                     bytes.erase(place);
     }
-    for (const Markup::Run& run : places_.runs) {
+    for (const MarkupPlaces::Run& run : places_.runs) {
         if (chosen.count(run.parent) == 0 || all[run.parent].localName == "Signature") continue;
         runs_.push_back(run.span);
         for (std::size_t place = run.span.begin; place != run.span.end; ++place)
@@ -100,7 +101,7 @@ std::string Spoiler::RemoveText() {
 }
 
 std::string Spoiler::ChangeAttribute() {
-    const Markup::Attribute& attribute = Any(AnyElementWithAttributes(1).attributes);
+    const MarkupPlaces::Attribute& attribute = Any(AnyElementWithAttributes(1).attributes);
     if (attribute.value.Size() == 0) return Inserted(attribute.value.begin, "x");
     if (!IsDeclaration(attribute)) return Changed(PlaceIn(attribute.value), kAnything);
     // As above, the scheme stays.
@@ -123,21 +124,21 @@ std::string Spoiler::RemoveAttribute() {
 }
 
 std::string Spoiler::SwapAttributes() {
-    const std::vector<Markup::Attribute>& attributes = AnyElementWithAttributes(2).attributes;
+    const std::vector<MarkupPlaces::Attribute>& attributes = AnyElementWithAttributes(2).attributes;
     const std::size_t first = Below(attributes.size() - 1);
-    const Markup::Span& one = attributes[first].whole;
-    const Markup::Span& other = attributes[first + 1].whole;
+    const MarkupPlaces::Span& one = attributes[first].whole;
+    const MarkupPlaces::Span& other = attributes[first + 1].whole;
     return Replaced({one.begin, other.end}, TextOf(other) + TextOf(one));
 }
 
 std::string Spoiler::RequoteAttribute() {
-    const Markup::Attribute& attribute = Any(AnyElementWithAttributes(1).attributes);
+    const MarkupPlaces::Attribute& attribute = Any(AnyElementWithAttributes(1).attributes);
     const std::string value = TextOf(attribute.value);
     return Replaced({attribute.value.begin - 1, attribute.value.end + 1}, "'" + value + "'");
 }
 
 std::string Spoiler::RenameElement() {
-    const Markup::Element& element = AnyElement();
+    const MarkupPlaces::Element& element = AnyElement();
     const std::string written = TextOf(element.startName);
     const std::vector<std::string> names = {written + "x", "ext:" + element.localName,
                                             "unbound:" + element.localName,
@@ -153,7 +154,7 @@ std::string Spoiler::RemoveElement() {
 }
 
 std::string Spoiler::RepeatElement() {
-    const Markup::Span& whole = AnyInnerElement().whole;
+    const MarkupPlaces::Span& whole = AnyInnerElement().whole;
     return Inserted(whole.end, TextOf(whole));
 }
 
@@ -162,7 +163,7 @@ std::string Spoiler::ChangeDigestValue() {
 }
 
 std::string Spoiler::ChangeSignatureValue() {
-    const Markup::Span& content = ContentOf("SignatureValue");
+    const MarkupPlaces::Span& content = ContentOf("SignatureValue");
     // The padding and what stands before it has rules of its own.
     constexpr std::size_t kLastGroup = 4;
     const bool atTheEnd = Below(3) == 0;
@@ -172,14 +173,14 @@ std::string Spoiler::ChangeSignatureValue() {
 
 std::string Spoiler::AddBlankToContent() {
     const std::string blank = {kBlanks[Below(kBlanks.size())]};
-    const Markup::Element& element = AnyElement();
+    const MarkupPlaces::Element& element = AnyElement();
     const bool inFront = element.endName && Below(2) == 0;
     constexpr std::size_t kEndTagBegin = 2;
     return Inserted(inFront ? element.endName->begin - kEndTagBegin : element.startTag.end, blank);
 }
 
 std::string Spoiler::AddBlankToTag() {
-    const Markup::Element& element = AnyElement();
+    const MarkupPlaces::Element& element = AnyElement();
     const bool toTheEnd = element.endName && Below(2) == 0;
     return Inserted(toTheEnd ? element.endName->end : element.startName.end,
                     {kBlanks[Below(kBlanks.size())]});
@@ -192,7 +193,7 @@ std::string Spoiler::AddComment() {
 
 std::string Spoiler::RespellCharacter() {
     const bool inText = Below(2) == 0;
-    const Markup::Span span =
+    const MarkupPlaces::Span span =
         inText ? Any(runs_) : Any(AnyElementWithAttributes(1).attributes).value;
     std::vector<std::size_t> candidates;
     for (std::size_t i = span.begin; i != span.end; ++i)
@@ -209,15 +210,11 @@ std::string Spoiler::ChangeAnyByte() {
     return Changed(Any(bytes_), kAnything);
 }
 
-std::size_t Spoiler::Below(std::size_t limit) {
-    return std::uniform_int_distribution<std::size_t>(0, limit - 1)(random_);
-}
-
-const Markup::Element& Spoiler::AnyInnerElement() {
+const MarkupPlaces::Element& Spoiler::AnyInnerElement() {
     return places_.elements[elements_[1 + Below(elements_.size() - 1)]];
 }
 
-const Markup::Element& Spoiler::AnyElementWithAttributes(std::size_t count) {
+const MarkupPlaces::Element& Spoiler::AnyElementWithAttributes(std::size_t count) {
     std::vector<std::size_t> candidates;
     std::copy_if(elements_.begin(), elements_.end(), std::back_inserter(candidates),
                  [&](std::size_t i) { return places_.elements[i].attributes.size() >= count; });
@@ -230,7 +227,7 @@ std::string Spoiler::Changed(std::size_t place, const std::string& characters) {
     return Replaced({place, place + 1}, {others[Below(others.size())]});
 }
 
-std::string Spoiler::Replaced(const Markup::Span& span, const std::string& by) const {
+std::string Spoiler::Replaced(const MarkupPlaces::Span& span, const std::string& by) const {
     return std::string(token_).replace(span.begin, span.Size(), by);
 }
 
@@ -238,19 +235,18 @@ std::string Spoiler::Inserted(std::size_t place, const std::string& text) const 
     return std::string(token_).insert(place, text);
 }
 
-std::string Spoiler::TextOf(const Markup::Span& span) const {
+std::string Spoiler::TextOf(const MarkupPlaces::Span& span) const {
     return token_.substr(span.begin, span.Size());
 }
 
-const Markup::Span& Spoiler::ContentOf(const std::string& localName) const {
-    for (const Markup::Run& run : places_.runs)
+const MarkupPlaces::Span& Spoiler::ContentOf(const std::string& localName) const {
+    for (const MarkupPlaces::Run& run : places_.runs)
         if (places_.elements[run.parent].localName == localName) return run.span;
     throw std::runtime_error("there is no text in " + localName);
 }
 
-bool Spoiler::IsDeclaration(const Markup::Attribute& attribute) const {
-    const std::string name = TextOf(attribute.name);
-    return name == "xmlns" || name.rfind("xmlns:", 0) == 0;
+bool Spoiler::IsDeclaration(const MarkupPlaces::Attribute& attribute) const {
+    return QualifiedNames::IsDeclaration(TextOf(attribute.name));
 }
 
 /// A reference ends before anything that is no name, number or semicolon.

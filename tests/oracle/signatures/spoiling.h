@@ -1,9 +1,9 @@
 #pragma once
 
 #include "oracle/signatures/markup_places.h"
+#include "support/dice.h"
 
 #include <cstddef>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -13,7 +13,7 @@ class Spoiler {
   public:
     /// \param listedPrefixes  The words of a `PrefixList`. The library lets them count at the apex
     ///                        only: no other element gets a declaration of theirs.
-    Spoiler(const std::string& token, const std::string& listedPrefixes, std::mt19937_64& random);
+    Spoiler(const std::string& token, const std::string& listedPrefixes, Dice& dice);
 
     struct Spoiled {
         std::string how;
@@ -48,33 +48,33 @@ class Spoiler {
     std::string RespellCharacter();
     std::string ChangeAnyByte();
 
-    std::size_t Below(std::size_t limit);
-    std::size_t PlaceIn(const Markup::Span& span) { return span.begin + Below(span.Size()); }
+    std::size_t Below(std::size_t end) { return dice_.Below(end); }
+    std::size_t PlaceIn(const MarkupPlaces::Span& span) { return span.begin + Below(span.Size()); }
     template <class Row>
     const Row& Any(const std::vector<Row>& rows) {
-        return rows[Below(rows.size())];
+        return dice_.Any(rows);
     }
-    const Markup::Element& AnyElement() { return places_.elements[Any(elements_)]; }
+    const MarkupPlaces::Element& AnyElement() { return places_.elements[Any(elements_)]; }
     /// Not the assertion, which is the first.
-    const Markup::Element& AnyInnerElement();
-    const Markup::Element& AnyElementWithAttributes(std::size_t count);
+    const MarkupPlaces::Element& AnyInnerElement();
+    const MarkupPlaces::Element& AnyElementWithAttributes(std::size_t count);
 
     /// The text with another character at `place`, one of `characters`.
     std::string Changed(std::size_t place, const std::string& characters);
-    std::string Replaced(const Markup::Span& span, const std::string& by) const;
+    std::string Replaced(const MarkupPlaces::Span& span, const std::string& by) const;
     std::string Inserted(std::size_t place, const std::string& text) const;
-    std::string TextOf(const Markup::Span& span) const;
+    std::string TextOf(const MarkupPlaces::Span& span) const;
     /// The content of the element with this name, which holds text alone.
-    const Markup::Span& ContentOf(const std::string& localName) const;
-    bool IsDeclaration(const Markup::Attribute& attribute) const;
+    const MarkupPlaces::Span& ContentOf(const std::string& localName) const;
+    bool IsDeclaration(const MarkupPlaces::Attribute& attribute) const;
     bool IsInReference(std::size_t place) const;
     void Choose();
 
     const std::string& token_;
     const std::string listedPrefixes_;
-    std::mt19937_64& random_;
-    const Markup::Places places_;
-    std::vector<std::size_t> elements_;  ///< What is signed, by number.
-    std::vector<Markup::Span> runs_;     ///< Character data that is signed.
-    std::vector<std::size_t> bytes_;     ///< Places of signed bytes, those of markup as well.
+    Dice& dice_;
+    const MarkupPlaces::Places places_;
+    std::vector<std::size_t> elements_;     ///< What is signed, by number.
+    std::vector<MarkupPlaces::Span> runs_;  ///< Character data that is signed.
+    std::vector<std::size_t> bytes_;        ///< Places of signed bytes, those of markup as well.
 };

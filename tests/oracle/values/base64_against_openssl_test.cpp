@@ -1,5 +1,6 @@
 #include "saml/foundations.h"
 #include "saml/security/openssl_handles.h"
+#include "support/dice.h"
 #include "support/random_seed.h"
 
 #include <gtest/gtest.h>
@@ -11,7 +12,6 @@
 #include <iostream>
 #include <memory>
 #include <optional>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -89,23 +89,12 @@ testing::AssertionResult AgreesOn(const Bytes& data) {
     return DecodesAlike(ours);
 }
 
-class Random {
-  public:
-    explicit Random(std::uint64_t seed) : engine_(seed) {}
-
-    std::size_t Below(std::size_t limit) {
-        return std::uniform_int_distribution<std::size_t>(0, limit - 1)(engine_);
-    }
-    Bytes BytesOfLength(std::size_t length) {
-        Bytes data(length);
-        for (unsigned char& byte : data)
-            byte = static_cast<unsigned char>(Below(256));
-        return data;
-    }
-
-  private:
-    std::mt19937_64 engine_;
-};
+Bytes RandomBytes(Dice& dice, std::size_t length) {
+    Bytes data(length);
+    for (unsigned char& byte : data)
+        byte = static_cast<unsigned char>(dice.Below(256));
+    return data;
+}
 
 void Tell(std::size_t count) {
     std::cout << count << " inputs\n";
@@ -115,11 +104,11 @@ void Tell(std::size_t count) {
 TEST(Base64AgainstOpenSsl, AgreesOnRandomBytesOfEveryLength) {
     const std::uint64_t seed = RandomSeed(46480001);
     SCOPED_TRACE("seed " + std::to_string(seed));
-    Random random(seed);
+    Dice dice(seed);
     std::size_t count = 0;
     for (std::size_t length = 0; length <= 300; ++length)
         for (int i = 0; i < 20; ++i, ++count)
-            ASSERT_TRUE(AgreesOn(random.BytesOfLength(length)));
+            ASSERT_TRUE(AgreesOn(RandomBytes(dice, length)));
     Tell(count);
     EXPECT_EQ(count, 301u * 20);
 }
@@ -127,11 +116,11 @@ TEST(Base64AgainstOpenSsl, AgreesOnRandomBytesOfEveryLength) {
 TEST(Base64AgainstOpenSsl, AgreesOnBigInputs) {
     const std::uint64_t seed = RandomSeed(46480002);
     SCOPED_TRACE("seed " + std::to_string(seed));
-    Random random(seed);
+    Dice dice(seed);
     std::size_t count = 0;
     for (const std::size_t size : {std::size_t{4096}, std::size_t{65536}, std::size_t{1} << 20})
         for (std::size_t more = 0; more < 3; ++more, ++count)
-            ASSERT_TRUE(AgreesOn(random.BytesOfLength(size + more)));
+            ASSERT_TRUE(AgreesOn(RandomBytes(dice, size + more)));
     Tell(count);
 }
 
@@ -227,12 +216,12 @@ std::string BrokenIntoLines(const Bytes& data) {
 TEST(Base64AgainstOpenSsl, DecodesItsLines) {
     const std::uint64_t seed = RandomSeed(46480003);
     SCOPED_TRACE("seed " + std::to_string(seed));
-    Random random(seed);
+    Dice dice(seed);
     std::size_t count = 0;
     std::size_t lines = 0;
     for (std::size_t length = 0; length <= 300; ++length)
         for (int i = 0; i < 5; ++i, ++count) {
-            const Bytes data = random.BytesOfLength(length);
+            const Bytes data = RandomBytes(dice, length);
             const std::string text = BrokenIntoLines(data);
             lines += static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
             const std::optional<Bytes> ours = OurBytes(text);
