@@ -16,6 +16,7 @@ namespace SignatureMatrix {
 namespace {
 
 using namespace Saml;
+namespace Algorithm = Xml::Security::Algorithm;
 using TestKeys::CertificateNamed;
 
 std::string TamperedWith(const std::string& xml) {
@@ -27,7 +28,7 @@ class TokensOfXmlSec1 : public testing::TestWithParam<std::tuple<Method, KeySize
 TEST_P(TokensOfXmlSec1, AreAcceptedByBothResolversAndRefusedWhenSpoiled) {
     const auto& [method, size] = GetParam();
     const ResolverHandle resolvers[] = {ChainBelowRoot(), SetOf(size.signer)};
-    SpoilingTrial trial(20011001);
+    SpoilingTrial trial(20011001, SpoilingTrial::Witness::XmlSec1);
     for (const Cell& cell : CellsForXmlSec1(method, size)) {
         SCOPED_TRACE(cell.Name());
         const std::string xml = SignedByXmlSec1(cell);
@@ -40,7 +41,7 @@ TEST_P(TokensOfXmlSec1, AreAcceptedByBothResolversAndRefusedWhenSpoiled) {
         EXPECT_EQ(MessageOf<InvalidSignatureException>(
                       [&] { TokenFrom(xml, cell.style, SetOf("attacker-leaf")); }),
                   "Signature verification error. No verification key available.");
-        trial.SpoilAndJudge(xml, cell, SpoilingTrial::Witness::XmlSec1);
+        trial.SpoilAndJudge(xml, cell);
     }
     trial.ExpectUsefulCounts();
 }
@@ -53,15 +54,25 @@ INSTANTIATE_TEST_SUITE_P(Oracle, TokensOfXmlSec1,
                                     std::get<1>(row.param).name;
                          });
 
-TEST(TokenOfXmlSec1, NeedsNoKeyInfoWhenItsSignerAloneIsTrusted) {
-    Forge::TokenSpec spec;
+/// The template of a signature with the usual choices over the whole assertion.
+XmlSec1::TemplateForm UsualForm(const Forge::TokenSpec& spec) {
     XmlSec1::TemplateForm form;
     form.uri = "#" + spec.id;
     form.signatureMethod = Algorithm::RsaSha256;
     form.digestMethod = Algorithm::Sha256;
-    form.hasKeyInfo = false;
+    return form;
+}
+
+std::string Signed(Forge::TokenSpec spec, const XmlSec1::TemplateForm& form) {
     spec.signature = XmlSec1::Template(form);
-    const std::string xml = XmlSec1::Sign(Forge::Write(spec));
+    return XmlSec1::Sign(Forge::Write(spec));
+}
+
+TEST(TokenOfXmlSec1, NeedsNoKeyInfoWhenItsSignerAloneIsTrusted) {
+    Forge::TokenSpec spec;
+    XmlSec1::TemplateForm form = UsualForm(spec);
+    form.hasKeyInfo = false;
+    const std::string xml = Signed(spec, form);
 
     ResolverHandle chain;
     Xml::Security::CreateTrustChainKeyResolver({CertificateNamed("leaf").der}, chain);
@@ -74,13 +85,9 @@ TEST(TokenOfXmlSec1, MayNamePrefixesThatItDoesNotUse) {
     Forge::TokenSpec spec;
     spec.renewRestriction = true;
     spec.renewCount = "1";
-    XmlSec1::TemplateForm form;
-    form.uri = "#" + spec.id;
-    form.signatureMethod = Algorithm::RsaSha256;
-    form.digestMethod = Algorithm::Sha256;
+    XmlSec1::TemplateForm form = UsualForm(spec);
     form.prefixList = "ext xsi del";
-    spec.signature = XmlSec1::Template(form);
-    const std::string xml = XmlSec1::Sign(Forge::Write(spec));
+    const std::string xml = Signed(spec, form);
 
     EXPECT_TRUE(CreateSamlToken(xml, ChainBelowRoot().get())->IsRenewable());
 }
@@ -89,13 +96,9 @@ TEST(TokenOfXmlSec1, MayNamePrefixesThatItDoesNotUse) {
 // declaration further inside that no name makes use of is signed for xmlsec1 and not for us.
 TEST(TokenOfXmlSec1, ProtectsListedPrefixesAtItsApexOnly) {
     Forge::TokenSpec spec;
-    XmlSec1::TemplateForm form;
-    form.uri = "#" + spec.id;
-    form.signatureMethod = Algorithm::RsaSha256;
-    form.digestMethod = Algorithm::Sha256;
+    XmlSec1::TemplateForm form = UsualForm(spec);
     form.prefixList = "ext";
-    spec.signature = XmlSec1::Template(form);
-    const std::string xml = XmlSec1::Sign(Forge::Write(spec));
+    const std::string xml = Signed(spec, form);
 
     const std::string inside =
         Forge::Replaced(xml, "<saml:AuthnContext>", "<saml:AuthnContext xmlns:ext=\"urn:other\">");
@@ -113,12 +116,7 @@ TEST(TokenOfXmlSec1, IsRefusedWhenItIsOver) {
     Forge::TokenSpec spec;
     spec.notBefore = "2020-01-01T00:00:00.000Z";
     spec.notOnOrAfter = "2020-01-01T08:00:00.000Z";
-    XmlSec1::TemplateForm form;
-    form.uri = "#" + spec.id;
-    form.signatureMethod = Algorithm::RsaSha256;
-    form.digestMethod = Algorithm::Sha256;
-    spec.signature = XmlSec1::Template(form);
-    const std::string xml = XmlSec1::Sign(Forge::Write(spec));
+    const std::string xml = Signed(spec, UsualForm(spec));
 
     EXPECT_EQ(MessageOf<ParseException>([&] { CreateSamlToken(xml, ChainBelowRoot().get()); }),
               "The token has expired at: 2020-01-01T08:00:00.000Z");

@@ -38,9 +38,10 @@ std::string WithWholePadding(std::string xml) {
 
 }  // namespace
 
-SpoilingTrial::SpoilingTrial(std::uint64_t usual) : seed_(RandomSeed(usual)) {}
+SpoilingTrial::SpoilingTrial(std::uint64_t usual, Witness witness)
+    : seed_(RandomSeed(usual)), witness_(witness) {}
 
-void SpoilingTrial::SpoilAndJudge(const std::string& token, const Cell& cell, Witness witness) {
+void SpoilingTrial::SpoilAndJudge(const std::string& token, const Cell& cell) {
     const SignedParts parts = SignedPartsOf(token, cell);
     const ResolverHandle resolver = SetOf(cell.size.signer);
     // Each token has numbers of its own, whichever tokens share its process.
@@ -59,7 +60,7 @@ void SpoilingTrial::SpoilAndJudge(const std::string& token, const Cell& cell, Wi
         changed_ += isChanged ? 1 : 0;
         ++(!ours.accepts ? refused_ : isChanged ? acceptedChanged_ : acceptedUnchanged_);
         const bool isSample = i % kOneInThisManyForXmlSec1 == tokens_ % kOneInThisManyForXmlSec1;
-        if (witness == Witness::XmlSec1 && isSample)
+        if (witness_ == Witness::XmlSec1 && isSample)
             CompareWithXmlSec1(spoiled.xml, ours, isChanged);
     }
     ++tokens_;
@@ -101,6 +102,8 @@ void SpoilingTrial::ExpectUsefulCounts() const {
     EXPECT_GT(changed_ * 2, spoilings_);
     EXPECT_GT(acceptedUnchanged_, 0u);
     EXPECT_EQ(acceptedChanged_, 0u);
+    const std::size_t samples = tokens_ * (kSpoilingsOfAToken / kOneInThisManyForXmlSec1);
+    EXPECT_EQ(compared_, witness_ == Witness::XmlSec1 ? samples : 0);
     std::cout << tokens_ << " tokens, " << spoilings_ << " spoilings (" << changed_
               << " of another canonical form), " << refused_ << " refused, " << acceptedUnchanged_
               << " accepted with the same bytes, " << acceptedChanged_ << " with others; "
@@ -110,6 +113,7 @@ void SpoilingTrial::ExpectUsefulCounts() const {
     testing::Test::RecordProperty("spoilings", static_cast<int>(spoilings_));
     testing::Test::RecordProperty("refused", static_cast<int>(refused_));
     testing::Test::RecordProperty("acceptedWithTheSameBytes", static_cast<int>(acceptedUnchanged_));
+    testing::Test::RecordProperty("comparedWithXmlSec1", static_cast<int>(compared_));
 }
 
 }  // namespace SignatureMatrix

@@ -12,14 +12,14 @@ namespace SignatureMatrix {
 /// signed still, byte by byte, in the canonical forms of libxml2.
 class SpoilingTrial {
   public:
-    /// Reads the seed of the environment, or takes `usual`.
-    explicit SpoilingTrial(std::uint64_t usual);
-
     enum class Witness { None, XmlSec1 };
-    /// Spoils `token` in forty ways; with a witness it is asked about two of them.
-    void SpoilAndJudge(const std::string& token, const Cell& cell, Witness witness);
+    /// Reads the seed of the environment, or takes `usual`.
+    SpoilingTrial(std::uint64_t usual, Witness witness);
 
-    /// Most spoilings were to be refused, some not. Prints all counts.
+    /// Spoils `token` in forty ways; a witness is asked about two of them.
+    void SpoilAndJudge(const std::string& token, const Cell& cell);
+
+    /// Most spoilings were to be refused, some not, and the witness was asked. Prints all counts.
     void ExpectUsefulCounts() const;
 
   private:
@@ -32,6 +32,7 @@ class SpoilingTrial {
     void CompareWithXmlSec1(const std::string& xml, const Verdict& ours, bool isChanged);
 
     const std::uint64_t seed_;
+    const Witness witness_;
     std::size_t tokens_ = 0;
     std::size_t spoilings_ = 0;
     std::size_t changed_ = 0;  ///< The canonical form is another one, or there is none.
