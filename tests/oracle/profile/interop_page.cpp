@@ -1,5 +1,6 @@
 #include "oracle/profile/interop_page.h"
 
+#include "oracle/profile/plain_values.h"
 #include "support/test_keys.h"
 #include "support/token_forge.h"
 
@@ -56,7 +57,7 @@ std::string HolderOfKeyTemplate() {
     const std::size_t from = text.find("    <saml:SubjectConfirmation ");
     text.replace(from, text.find(end) + end.size() - from, XmlBlocks().at(1));
     return WithPresentDates(
-        Forge::Replaced(text, "MIIB", Base64::Encode(*CertificateNamed("self-signed").der)));
+        Forge::Replaced(text, "MIIB", Oracle::ToBase64(*CertificateNamed("self-signed").der)));
 }
 
 }  // namespace InteropPage

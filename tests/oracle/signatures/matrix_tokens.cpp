@@ -1,5 +1,6 @@
 #include "oracle/signatures/matrix_tokens.h"
 
+#include "oracle/profile/plain_values.h"
 #include "oracle/signatures/xmlsec1.h"
 #include "support/test_keys.h"
 #include "support/token_forge.h"
@@ -20,7 +21,7 @@ Forge::TokenSpec SpecOf(const Style& style, const Kind& kind) {
     Forge::TokenSpec spec;
     spec.prefix = style.samlPrefix;
     if (kind.holderOfKey)
-        spec.holderOfKeyCertificate = Base64::Encode(*CertificateNamed("self-signed").der);
+        spec.holderOfKeyCertificate = Oracle::ToBase64(*CertificateNamed("self-signed").der);
     if (kind.delegated) {
         const Forge::Name service{ProfileUri::UpnNameFormat, "report@corp"};
         spec.delegates = {{{ProfileUri::UpnNameFormat, "portal@corp"}}, {service}};
@@ -153,6 +154,7 @@ void ExpectWhatWasSaid(const SamlToken& token, const Kind& kind) {
     const std::vector<DelegateInfo> chain = token.GetDelegationChain();
     ASSERT_EQ(chain.size(), kind.delegated ? 2u : 0u);
     if (kind.delegated) {
+        EXPECT_EQ(chain.front().Delegate.Name, "portal");
         EXPECT_EQ(chain.back().Delegate.Name, "report");
     }
 
@@ -162,6 +164,7 @@ void ExpectWhatWasSaid(const SamlToken& token, const Kind& kind) {
               (std::set<std::string>{"https://a.example/?x=1&y=2", "https://b.example/"}));
     const std::vector<PrincipalId> groups = token.GetGroups();
     ASSERT_EQ(groups.size(), 2u);
+    EXPECT_EQ(groups.front().Name, "Staff \t.");
     EXPECT_EQ(groups.back().Name, "<\xC3\xA9>");
     EXPECT_TRUE(token.IsDelegable());
 }

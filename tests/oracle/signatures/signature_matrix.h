@@ -1,7 +1,5 @@
 #pragma once
 
-#include "saml/security.h"
-
 #include <string>
 #include <vector>
 
@@ -9,17 +7,14 @@
 /// tried. Every two choices of different tables meet in some combination.
 namespace SignatureMatrix {
 
-namespace Algorithm = Saml::Xml::Security::Algorithm;
-
 struct Method {
     const char* name;
     const char* identifier;
-    const char* digest;  ///< The digest identifier that usually goes with it.
 };
-constexpr Method kMethods[] = {{"RsaSha1", Algorithm::RsaSha1, Algorithm::Sha1},
-                               {"RsaSha256", Algorithm::RsaSha256, Algorithm::Sha256},
-                               {"RsaSha384", Algorithm::RsaSha384, Algorithm::Sha384Rfc4051},
-                               {"RsaSha512", Algorithm::RsaSha512, Algorithm::Sha512}};
+constexpr Method kMethods[] = {{"RsaSha1", "http://www.w3.org/2000/09/xmldsig#rsa-sha1"},
+                               {"RsaSha256", "http://www.w3.org/2001/04/xmldsig-more#rsa-sha256"},
+                               {"RsaSha384", "http://www.w3.org/2001/04/xmldsig-more#rsa-sha384"},
+                               {"RsaSha512", "http://www.w3.org/2001/04/xmldsig-more#rsa-sha512"}};
 
 struct Digest {
     const char* name;
@@ -27,14 +22,15 @@ struct Digest {
     const char* openSslName;
 };
 /// The digests that xmlsec1 1.2 knows. SHA-384 has only its RFC 4051 name there.
-constexpr Digest kDigests[] = {{"Sha1", Algorithm::Sha1, "SHA1"},
-                               {"Sha256", Algorithm::Sha256, "SHA256"},
-                               {"Sha384Rfc4051", Algorithm::Sha384Rfc4051, "SHA384"},
-                               {"Sha512", Algorithm::Sha512, "SHA512"}};
+constexpr Digest kDigests[] = {
+    {"Sha1", "http://www.w3.org/2000/09/xmldsig#sha1", "SHA1"},
+    {"Sha256", "http://www.w3.org/2001/04/xmlenc#sha256", "SHA256"},
+    {"Sha384Rfc4051", "http://www.w3.org/2001/04/xmldsig-more#sha384", "SHA384"},
+    {"Sha512", "http://www.w3.org/2001/04/xmlenc#sha512", "SHA512"}};
 /// The names of SHA-384 that xmlsec1 does not know: that of XML Encryption 1.1, and one that stands
 /// in no standard. What bears them is read by the library alone.
 constexpr Digest kOwnDigests[] = {
-    {"Sha384XmlEnc", Algorithm::Sha384, "SHA384"},
+    {"Sha384XmlEnc", "http://www.w3.org/2001/04/xmlenc#sha384", "SHA384"},
     {"Sha384XmlDsig", "http://www.w3.org/2000/09/xmldsig#sha384", "SHA384"}};
 
 struct KeySize {
