@@ -19,7 +19,8 @@
 #include <vector>
 
 // Random certificate hierarchies: the trust-chain resolver offers the signer's key where
-// `openssl verify` finds a chain, and nothing where it finds none.
+// `openssl verify` finds a chain, and nothing where it finds none. Both ask the same libcrypto:
+// what is compared is what is asked, and what is made of the answer.
 namespace Chains {
 namespace {
 
