@@ -1,6 +1,6 @@
 #include "oracle/canonicalization/libxml2_canonicalizer.h"
 
-#include "oracle/canonicalization/libxml2_errors.h"
+#include "oracle/canonicalization/libxml2_documents.h"
 
 #include <libxml/c14n.h>
 #include <libxml/parser.h>
@@ -10,16 +10,9 @@
 namespace LibXml2 {
 namespace {
 
-struct FreeParser {
-    void operator()(xmlParserCtxt* parser) const noexcept { xmlFreeParserCtxt(parser); }
-};
-struct FreeDocument {
-    void operator()(xmlDoc* document) const noexcept { xmlFreeDoc(document); }
-};
-struct CloseBuffer {
-    void operator()(xmlOutputBuffer* buffer) const noexcept { xmlOutputBufferClose(buffer); }
-};
-using DocumentHandle = std::unique_ptr<xmlDoc, FreeDocument>;
+using Saml::Xml::Security::FreeWith;
+using BufferHandle = std::unique_ptr<xmlOutputBuffer, FreeWith<xmlOutputBufferClose>>;
+using ParserHandle = std::unique_ptr<xmlParserCtxt, FreeWith<xmlFreeParserCtxt>>;
 
 const xmlChar* Chars(const std::string& text) {
     return reinterpret_cast<const xmlChar*>(text.c_str());
@@ -77,7 +70,7 @@ struct ParsedText::Tree {
 
 ParsedText::ParsedText(const std::string& text) {
     KeepQuiet();
-    const std::unique_ptr<xmlParserCtxt, FreeParser> parser(xmlNewParserCtxt());
+    const ParserHandle parser(xmlNewParserCtxt());
     if (!parser) throw Failure("no parser");
     DocumentHandle document(xmlCtxtReadMemory(
         parser.get(), text.data(), static_cast<int>(text.size()), nullptr, nullptr,
@@ -119,7 +112,7 @@ std::string ParsedText::CanonicalForm(const CanonicalPart& part) const {
         words.push_back(reinterpret_cast<xmlChar*>(prefix.data()));
     words.push_back(nullptr);
 
-    const std::unique_ptr<xmlOutputBuffer, CloseBuffer> out(xmlAllocOutputBuffer(nullptr));
+    const BufferHandle out(xmlAllocOutputBuffer(nullptr));
     if (!out) throw Failure("no buffer");
     const bool isExclusive = part.method == Method::Exclusive;
     const int written = xmlC14NExecute(tree_->document.get(), IsInPart, &elements,

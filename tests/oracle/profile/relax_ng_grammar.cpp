@@ -1,6 +1,6 @@
 #include "oracle/profile/relax_ng_grammar.h"
 
-#include "oracle/canonicalization/libxml2_errors.h"
+#include "oracle/canonicalization/libxml2_documents.h"
 
 #include <libxml/parser.h>
 #include <libxml/relaxng.h>
@@ -8,14 +8,7 @@
 namespace LibXml2 {
 namespace {
 
-template <auto Free>
-struct FreeWith {
-    template <typename Object>
-    void operator()(Object* object) const noexcept {
-        Free(object);
-    }
-};
-using DocumentHandle = std::unique_ptr<xmlDoc, FreeWith<xmlFreeDoc>>;
+using Saml::Xml::Security::FreeWith;
 using GrammarParserHandle =
     std::unique_ptr<xmlRelaxNGParserCtxt, FreeWith<xmlRelaxNGFreeParserCtxt>>;
 using SchemaHandle = std::unique_ptr<xmlRelaxNG, FreeWith<xmlRelaxNGFree>>;

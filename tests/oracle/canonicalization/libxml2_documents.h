@@ -1,11 +1,18 @@
 #pragma once
 
+#include "saml/security/openssl_handles.h"
+
+#include <libxml/tree.h>
 #include <libxml/xmlerror.h>
 
+#include <memory>
 #include <stdexcept>
 #include <string>
 
+/// What every use of libxml2 needs: an owner of documents, errors as exceptions.
 namespace LibXml2 {
+
+using DocumentHandle = std::unique_ptr<xmlDoc, Saml::Xml::Security::FreeWith<xmlFreeDoc>>;
 
 inline void SayNothing(void*, const char*, ...) {}
 
