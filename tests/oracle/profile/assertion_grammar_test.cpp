@@ -1,4 +1,3 @@
-// The neighbours are worth what they break: every rule of the grammar is broken by one of them.
 #include "oracle/profile/assertion_grammar.h"
 
 #include "oracle/profile/assertion_neighbours.h"
@@ -12,6 +11,7 @@
 #include <set>
 #include <string>
 
+// The neighbours are worth what they break: every rule of the grammar is broken by one of them.
 namespace {
 
 using namespace Oracle;

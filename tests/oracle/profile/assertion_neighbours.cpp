@@ -1,6 +1,7 @@
 #include "oracle/profile/assertion_neighbours.h"
 
 #include "oracle/profile/assertion_grammar.h"
+#include "oracle/profile/full_assertion.h"
 #include "oracle/profile/neighbour_making.h"
 #include "oracle/profile/value_faults.h"
 
@@ -154,7 +155,7 @@ void ExtraAttributes(const Making& making, const Place& place) {
     });
     making.Make("an identifier that the assertion has", place, {}, [](Markup& element) {
         Declare(element, "stray", kStrayNamespace);
-        element.attributes.push_back({"stray:id", "_4f1c0d7e"});
+        element.attributes.push_back({"stray:id", kAssertionId});
     });
 }
 

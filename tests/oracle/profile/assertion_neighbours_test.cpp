@@ -1,5 +1,3 @@
-// Every single-fault neighbour of an assertion in which everything stands that the profile knows.
-// What must be said of it, to the letter, is told by a grammar that the library does not know.
 #include "oracle/profile/assertion_neighbours.h"
 
 #include "oracle/profile/full_assertion.h"
@@ -18,6 +16,8 @@
 #include <string>
 #include <typeinfo>
 
+// Every single-fault neighbour of an assertion in which everything stands that the profile knows.
+// What must be said of it, to the letter, is told by a grammar that the library does not know.
 namespace {
 
 using namespace Oracle;
@@ -79,6 +79,8 @@ class Comparison {
     }
 
     int Documents() const { return documents_; }
+    int SignedAfresh() const { return signedAfresh_; }
+    int Accepted() const { return accepted_; }
     int Disagreements() const { return disagreements_; }
 
     void Print(const std::string& name) const {
@@ -131,6 +133,9 @@ TEST_P(AssertionNeighbours, AreJudgedAsTheGrammarSays) {
         });
     comparison.Print(family.name);
     EXPECT_GE(comparison.Documents(), 300);
+    // What stands behind the signature in reading order is judged in these alone.
+    EXPECT_GT(comparison.SignedAfresh(), 0);
+    EXPECT_GT(comparison.Accepted(), 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(Grammar, AssertionNeighbours, testing::ValuesIn(FaultFamilies()),

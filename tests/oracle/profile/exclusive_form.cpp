@@ -1,8 +1,9 @@
-#include "oracle/profile/markup_signature.h"
+#include "oracle/profile/exclusive_form.h"
 
 #include <algorithm>
 #include <sstream>
 #include <utility>
+#include <vector>
 
 namespace Oracle {
 namespace {

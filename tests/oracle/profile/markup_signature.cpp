@@ -1,20 +1,22 @@
 #include "oracle/profile/markup_signature.h"
 
 #include "oracle/profile/assertion_grammar.h"
+#include "oracle/profile/exclusive_form.h"
 #include "oracle/profile/grammar_reading.h"
 #include "oracle/profile/plain_values.h"
+#include "saml/security/openssl_handles.h"
 
 #include <openssl/evp.h>
 
-#include <memory>
 #include <stdexcept>
+#include <string>
 
 namespace Oracle {
 namespace {
 
 using Bytes = std::vector<unsigned char>;
-using KeyHandle = std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)>;
-using ContextHandle = std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)>;
+using Saml::Xml::Security::DigestContextHandle;
+using Saml::Xml::Security::KeyHandle;
 
 constexpr char kBeforeReason[] = "Signature verification error. ";
 
@@ -23,21 +25,24 @@ constexpr char kBeforeReason[] = "Signature verification error. ";
 }
 
 [[noreturn]] void RefuseTampering() {
-    Refuse("Failed to verify signature: token might have been tampered with.");
+    Refuse(kTampered);
 }
 
 void Require(bool done) {
     if (!done) throw std::runtime_error("OpenSSL failed");
 }
 
-/// OpenSSL's digest for an identifier; null for an unknown one (xmlenc-core 5.7, RFC 4051).
+/// OpenSSL's digest for an identifier; null for an unknown one (xmlenc-core1 5.7, RFC 4051).
 const EVP_MD* DigestOf(const std::string& identifier) {
     static const std::map<std::string, const EVP_MD* (*)()> digests = {
         {"http://www.w3.org/2000/09/xmldsig#sha1", EVP_sha1},
         {"http://www.w3.org/2001/04/xmlenc#sha256", EVP_sha256},
+        {"http://www.w3.org/2001/04/xmlenc#sha384", EVP_sha384},
+        {"http://www.w3.org/2001/04/xmldsig-more#sha384", EVP_sha384},
         {"http://www.w3.org/2001/04/xmlenc#sha512", EVP_sha512},
         {"http://www.w3.org/2000/09/xmldsig#rsa-sha1", EVP_sha1},
         {"http://www.w3.org/2001/04/xmldsig-more#rsa-sha256", EVP_sha256},
+        {"http://www.w3.org/2001/04/xmldsig-more#rsa-sha384", EVP_sha384},
         {"http://www.w3.org/2001/04/xmldsig-more#rsa-sha512", EVP_sha512}};
     const auto found = digests.find(identifier);
     return found == digests.end() ? nullptr : found->second();
@@ -54,12 +59,12 @@ KeyHandle PrivateKey(const Saml::TestKeys::Key& key) {
     EVP_PKEY* const parsed =
         d2i_AutoPrivateKey(nullptr, &der, static_cast<long>(key.privateKey->size()));
     Require(parsed != nullptr);
-    return {parsed, EVP_PKEY_free};
+    return KeyHandle(parsed);
 }
 
 Bytes SignedBytes(const Saml::TestKeys::Key& key, const EVP_MD* method, const std::string& bytes) {
     const KeyHandle pair = PrivateKey(key);
-    const ContextHandle context(EVP_MD_CTX_new(), EVP_MD_CTX_free);
+    const DigestContextHandle context(EVP_MD_CTX_new());
     Bytes value(512);
     std::size_t length = value.size();
     Require(EVP_DigestSignInit(context.get(), nullptr, method, nullptr, pair.get()) == 1 &&
@@ -209,7 +214,7 @@ std::string MethodOf(const Markup& signature, const std::string& localName) {
 bool Verifies(const Saml::TestKeys::Key& key, const EVP_MD* method, const Bytes& value,
               const std::string& bytes) {
     const KeyHandle pair = PrivateKey(key);
-    const ContextHandle context(EVP_MD_CTX_new(), EVP_MD_CTX_free);
+    const DigestContextHandle context(EVP_MD_CTX_new());
     Require(EVP_DigestVerifyInit(context.get(), nullptr, method, nullptr, pair.get()) == 1);
     return EVP_DigestVerify(context.get(), value.data(), value.size(),
                             reinterpret_cast<const unsigned char*>(bytes.data()),

@@ -3,7 +3,6 @@
 #include "oracle/profile/markup_tree.h"
 #include "support/test_keys.h"
 
-#include <string>
 #include <vector>
 
 /// Signatures over trees of the test's own: canonical forms are written from the tree, digests and
@@ -20,13 +19,11 @@ struct Trust {
     std::vector<const Saml::TestKeys::Certificate*> known;  ///< Nothing else parses.
 };
 
+/// Said of a digest or a signature value that does not fit.
+constexpr char kTampered[] = "Failed to verify signature: token might have been tampered with.";
+
 /// Verifies the signature of an assertion that the grammar accepts.
 /// \throws Refusal
 void ExpectSignature(const Markup& assertion, const Trust& trust);
-
-/// Exclusive canonical form with the library's documented narrowing: the words of `prefixList`
-/// count at the apex only, CDATA sections contribute nothing.
-std::string ExclusiveForm(const Markup& apex, const Scope& outer, const Markup* excluded,
-                          const std::string& prefixList);
 
 }  // namespace Oracle

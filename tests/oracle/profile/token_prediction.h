@@ -16,8 +16,6 @@ struct Outcome {
 bool operator==(const Outcome& left, const Outcome& right);
 std::ostream& operator<<(std::ostream& out, const Outcome& outcome);
 
-constexpr char kTampered[] = "Failed to verify signature: token might have been tampered with.";
-
 /// \param document  As it was made; not yet parsed.
 /// \param now       Seconds since the epoch.
 Outcome Predict(const Markup& document, const Trust& trust, long long now);

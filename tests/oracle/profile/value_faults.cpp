@@ -64,9 +64,12 @@ const Values kAlgorithms = {"urn:example:none",
                             "http://www.w3.org/TR/1999/REC-xpath-19991116",
                             "http://www.w3.org/2000/09/xmldsig#sha1",
                             "http://www.w3.org/2001/04/xmlenc#sha256",
+                            "http://www.w3.org/2001/04/xmlenc#sha384",
+                            "http://www.w3.org/2001/04/xmldsig-more#sha384",
                             "http://www.w3.org/2001/04/xmlenc#sha512",
                             "http://www.w3.org/2001/04/xmlenc#sha256 ",
                             "http://www.w3.org/2000/09/xmldsig#rsa-sha1",
+                            "http://www.w3.org/2001/04/xmldsig-more#rsa-sha384",
                             "http://www.w3.org/2001/04/xmldsig-more#rsa-sha512",
                             "http://www.w3.org/2000/09/xmldsig#dsa-sha1",
                             "http://www.w3.org/2000/09/xmldsig#hmac-sha1"};
@@ -76,6 +79,7 @@ struct ValueFault {
     Values values;
 };
 
+/// The identifiers are those of `FullAssertion` and what lies beside them.
 const std::vector<ValueFault>& ValuesByAttribute() {
     static const std::vector<ValueFault> faults = {
         {"IssueInstant", kDates},
