@@ -5,7 +5,7 @@
 namespace PemLayouts {
 namespace {
 
-std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+std::string ReplacedEverywhere(std::string text, const std::string& from, const std::string& to) {
     for (std::size_t place = text.find(from); place != std::string::npos;
          place = text.find(from, place + to.size()))
         text.replace(place, from.size(), to);
@@ -29,7 +29,7 @@ struct Parts {
 /// The block with another number of characters a line.
 std::string InWidth(const std::string& block, std::size_t width) {
     const Parts parts(block);
-    const std::string characters = Replaced(parts.body, "\n", "");
+    const std::string characters = ReplacedEverywhere(parts.body, "\n", "");
     std::string text = parts.begin;
     for (std::size_t i = 0; i < characters.size(); i += width)
         text += characters.substr(i, width) + "\n";
@@ -54,10 +54,12 @@ const std::vector<Layout>& All() {
         {"AsWritten", true, [](In o) { return o.block; }},
         {"TextBefore", true, [](In o) { return kNote + o.block; }},
         {"TextBehind", true, [](In o) { return o.block + "and so on\n"; }},
-        {"CrLf", true, [](In o) { return Replaced(o.block, "\n", "\r\n"); }},
-        {"CrLfAndText", true, [](In o) { return Replaced(kNote + o.block, "\n", "\r\n"); }},
+        {"CrLf", true, [](In o) { return ReplacedEverywhere(o.block, "\n", "\r\n"); }},
+        {"CrLfAndText", true,
+         [](In o) { return ReplacedEverywhere(kNote + o.block, "\n", "\r\n"); }},
         {"NoLastLineEnd", true, [](In o) { return o.block.substr(0, o.block.size() - 1); }},
-        {"BlanksBehindLines", true, [](In o) { return Replaced(o.block, "\n", " \t\n"); }},
+        {"BlanksBehindLines", true,
+         [](In o) { return ReplacedEverywhere(o.block, "\n", " \t\n"); }},
         {"ShortLines", true, [](In o) { return InWidth(o.block, 20); }},
         {"LinesOf76", true, [](In o) { return InWidth(o.block, 76); }},
         {"OneLongLine", true, [](In o) { return InWidth(o.block, 100000); }},
@@ -65,7 +67,8 @@ const std::vector<Layout>& All() {
         {"OthersBehind", true, [](In o) { return o.block + o.behind; }},
         {"SeveralObjectsAndText", true,
          [](In o) {
-             return Replaced(kNote + o.before + "\n" + kNote + o.block + o.behind, "\n", "\r\n");
+             return ReplacedEverywhere(kNote + o.before + "\n" + kNote + o.block + o.behind, "\n",
+                                       "\r\n");
          }},
 
         {"OneCharacterALine", false, [](In o) { return InWidth(o.block, 1); }},
@@ -75,13 +78,15 @@ const std::vector<Layout>& All() {
         {"BlankBeforeBodyLines", false,
          [](In o) {
              const Parts parts(o.block);
-             const std::string body = " " + Replaced(parts.body, "\n", "\n ");
+             const std::string body = " " + ReplacedEverywhere(parts.body, "\n", "\n ");
              return parts.begin + body.substr(0, body.size() - 1) + parts.end;
          }},
-        {"BlankBeforeAllLines", false, [](In o) { return " " + Replaced(o.block, "\n", "\n "); }},
-        {"CrOnly", false, [](In o) { return Replaced(o.block, "\n", "\r"); }},
-        {"BlankForLineEnds", false, [](In o) { return Replaced(o.block, "\n", " "); }},
-        {"FormFeedsBehindLines", false, [](In o) { return Replaced(o.block, "\n", "\f\n"); }},
+        {"BlankBeforeAllLines", false,
+         [](In o) { return " " + ReplacedEverywhere(o.block, "\n", "\n "); }},
+        {"CrOnly", false, [](In o) { return ReplacedEverywhere(o.block, "\n", "\r"); }},
+        {"BlankForLineEnds", false, [](In o) { return ReplacedEverywhere(o.block, "\n", " "); }},
+        {"FormFeedsBehindLines", false,
+         [](In o) { return ReplacedEverywhere(o.block, "\n", "\f\n"); }},
         {"EmptyLineFirst", false,
          [](In o) {
              const Parts parts(o.block);
@@ -114,9 +119,9 @@ const std::vector<Layout>& All() {
          [](In o) {
              return Parts(o.block).begin + Parts(o.block).body + "-----END NOTHING-----\n";
          }},
-        {"LowerCase", false, [](In o) { return Replaced(o.block, "BEGIN", "begin"); }},
-        {"FourDashes", false, [](In o) { return Replaced(o.block, "-----", "----"); }},
-        {"SixDashes", false, [](In o) { return Replaced(o.block, "-----", "------"); }},
+        {"LowerCase", false, [](In o) { return ReplacedEverywhere(o.block, "BEGIN", "begin"); }},
+        {"FourDashes", false, [](In o) { return ReplacedEverywhere(o.block, "-----", "----"); }},
+        {"SixDashes", false, [](In o) { return ReplacedEverywhere(o.block, "-----", "------"); }},
         {"NoBase64", false, [](In o) { return WithLine(o.block, "AAA!"); }},
         {"LineTooMany", false, [](In o) { return WithLine(o.block, "AAAA"); }},
         {"FirstBodyLineMissing", false,
