@@ -243,9 +243,9 @@ TEST_P(TrustChains, EndWhereOpenSslVerifyEndsThem) {
         std::cout << "only we accept, since " << NameOf(rule) << ": " << count << "\n";
         RecordProperty(NameOf(rule), count);
     }
-    // Were all of them refused, agreement would mean nothing.
-    EXPECT_GE(counts.accepted, 10);
-    EXPECT_GE(counts.refused, 10);
+    // Were all of them refused, agreement would mean nothing. Usual are 25 and 19.
+    EXPECT_GE(counts.accepted, 5);
+    EXPECT_GE(counts.refused, 5);
 }
 
 INSTANTIATE_TEST_SUITE_P(Oracle, TrustChains, testing::Range<std::uint64_t>(0, kShards),
