@@ -33,7 +33,6 @@ class SignatureImpl final : public Signature {
 
   private:
     void ReadSignedInfo(ElementNodeImpl& signedInfo, const NamespaceContext& namespaces);
-    void ReadKeyInfo(ElementNodeImpl& keyInfo, const NamespaceContext& namespaces);
 
     void AppendKeyInfoElement(ElementNodeImpl& content);
 

@@ -1,14 +1,12 @@
 #include "saml/foundations/checked_cast.h"
-#include "saml/security/key_info_extended.h"
+#include "saml/security/key_info_readers.h"
 #include "saml/security/signature_impl.h"
-#include "saml/security/x509_key_info.h"
 #include "saml/xml/strict_reading.h"
 
 namespace Saml::Xml::Security {
 namespace {
 
 constexpr char kUnexpectedChildren[] = "Unexpected child nodes under 'Signature'";
-constexpr char kUnknownKeyInfo[] = "Unknown KeyInfo type";
 constexpr char kNullRoot[] = "A signature needs a root element.";
 
 const SkipWsAndCommentsFilter kReadingFilter;
@@ -22,25 +20,6 @@ std::string ReadMethod(FilteredNodeCursor& child, std::string_view localName,
     child.MoveToNextSibling();
     return algorithm;
 }
-
-boost::intrusive_ptr<KeyInfo> ReadCertificates(ElementNodeImpl& keyInfo,
-                                               const NamespaceContext& namespaces) {
-    return boost::intrusive_ptr<KeyInfo>(new X509KeyInfo(keyInfo, namespaces));
-}
-
-boost::intrusive_ptr<KeyInfo> ReadFreeContent(ElementNodeImpl& keyInfo, const NamespaceContext&) {
-    FilteredNodeCursor child(&keyInfo, kReadingFilter);
-    child.MoveToFirstChild();
-    ElementNodeImpl* const content = AsElement(child.Current());
-    return boost::intrusive_ptr<KeyInfo>(content != nullptr ? new KeyInfoExtended(*content)
-                                                            : nullptr);
-}
-
-using KeyInfoReader = boost::intrusive_ptr<KeyInfo> (*)(ElementNodeImpl&, const NamespaceContext&);
-
-// Only the first reader is ever asked: callers rely on every KeyInfo that is read being
-// certificates or a refusal, never content that a resolver would have to be trusted with.
-constexpr KeyInfoReader kKeyInfoReaders[] = {ReadCertificates, ReadFreeContent};
 
 }  // namespace
 
@@ -67,7 +46,8 @@ SignatureImpl::SignatureImpl(ElementNodeImpl& root, ElementNodeImpl* signatureEl
 
     ElementNodeImpl* const keyInfo = AsElement(child.Current());
     if (IsSignatureElement(keyInfo, "KeyInfo", namespaces)) {
-        ReadKeyInfo(*keyInfo, namespaces);
+        keyInfo_ = ReadKeyInfo(*keyInfo, namespaces);
+        keyInfoElement_ = keyInfo;
         child.MoveToNextSibling();
     }
     if (child.Current() != nullptr) throw SignatureSyntaxException(kUnexpectedChildren);
@@ -86,13 +66,6 @@ void SignatureImpl::ReadSignedInfo(ElementNodeImpl& signedInfo,
         child.MoveToNextSibling();
     } while (child.Current() != nullptr);
     signedInfo_ = &signedInfo;
-}
-
-void SignatureImpl::ReadKeyInfo(ElementNodeImpl& keyInfo, const NamespaceContext& namespaces) {
-    const KeyInfoReader read = kKeyInfoReaders[0];
-    keyInfo_ = read(keyInfo, namespaces);
-    if (!keyInfo_) throw SignatureSyntaxException(kUnknownKeyInfo);
-    keyInfoElement_ = &keyInfo;
 }
 
 void CreateSignatureFromDom(ElementNode* root, ElementNode* signatureElement,
