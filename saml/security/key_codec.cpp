@@ -16,6 +16,14 @@ bool IsRsaKey(const KeyHandle& key) noexcept {
     return key && IsRsa(*key);
 }
 
+EVP_PKEY* DecodePrivateKey(const unsigned char** input, long length) noexcept {
+    return d2i_PrivateKey(EVP_PKEY_RSA, nullptr, input, length);
+}
+
+EVP_PKEY* DecodePublicKey(const unsigned char** input, long length) noexcept {
+    return d2i_PublicKey(EVP_PKEY_RSA, nullptr, input, length);
+}
+
 /// The content of the first block with this label (RFC 7468); null when there is none.
 AllocationHandle ReadPemBlock(const std::string& pem, const char* label, long& length) {
     const BufferHandle input = OpenPem(pem);
@@ -28,17 +36,13 @@ AllocationHandle ReadPemBlock(const std::string& pem, const char* label, long& l
 }  // namespace
 
 KeyHandle ParseRsaPrivateKeyDer(const ByteBlob& der) {
-    KeyHandle key(DecodeDer(der, [](const unsigned char** input, long length) {
-        return d2i_PrivateKey(EVP_PKEY_RSA, nullptr, input, length);
-    }));
+    KeyHandle key(DecodeDer(der, DecodePrivateKey));
     if (!IsRsaKey(key)) throw CryptoException(kInvalidPrivateKey);
     return key;
 }
 
 KeyHandle ParseRsaPublicKeyDer(const ByteBlob& der) {
-    KeyHandle key(DecodeDer(der, [](const unsigned char** input, long length) {
-        return d2i_PublicKey(EVP_PKEY_RSA, nullptr, input, length);
-    }));
+    KeyHandle key(DecodeDer(der, DecodePublicKey));
     if (!IsRsaKey(key)) throw CryptoException(kInvalidPublicKeyFormat);
     return key;
 }
