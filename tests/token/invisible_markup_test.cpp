@@ -61,14 +61,15 @@ std::string Account(const SamlToken& token) {
 std::string SignedTokenOfEveryKind() {
     Forge::TokenSpec spec;
     spec.holderOfKeyCertificate = "AQIDBAUG";
-    spec.delegateId = Forge::Name{ProfileUri::UpnNameFormat, "svc@corp"};
-    spec.delegates = {{{ProfileUri::UpnNameFormat, "svc@corp"}}};
-    spec.audience = {"urn:a", "urn:b"};
+    spec.subject.value = " jdoe@corp ";  // blanks are part of a name
+    spec.delegateId = Forge::Name{ProfileUri::UpnNameFormat, " svc@corp"};
+    spec.delegates = {{{ProfileUri::UpnNameFormat, " svc@corp"}}};
+    spec.audience = {"urn:a", "urn:b "};
     spec.proxyCount = "1";
     spec.renewRestriction = true;
     spec.renewCount = "1";
     spec.advice = {{"s", {{"n", {"v", ""}}}}};
-    spec.attributes = {{ProfileUri::GroupIdentity, {"dom\\admin"}},
+    spec.attributes = {{ProfileUri::GroupIdentity, {"dom\\admin "}},
                        {ProfileUri::GivenName, {"Jane"}},
                        {ProfileUri::Surname, {""}},
                        {ProfileUri::IsSolution, {"true"}}};
