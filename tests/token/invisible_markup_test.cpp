@@ -178,4 +178,26 @@ TEST(InvisibleMarkup, CannotTurnOneConditionIntoAnother) {
         }
 }
 
+/// A token that says in another namespace what an assertion without prefixes says.
+std::string SignedInAnotherNamespace() {
+    Forge::TokenSpec spec;
+    spec.prefix = "";
+    const std::string xml =
+        Forge::Replaced(Forge::Write(spec), "xmlns=\"urn:oasis:names:tc:SAML:2.0:assertion\"",
+                        "xmlns=\"urn:other\"");
+    return Forge::Sign(xml, {TestKeys::KeyNamed("leaf").privateKey, {}});
+}
+
+// To canonicalization all three spellings are the default declaration, so each of these texts has
+// the digest of the signed one.
+TEST(InvisibleMarkup, CannotTurnAnotherNamespaceIntoTheAssertions) {
+    const std::string xml = SignedInAnotherNamespace();
+    const std::string ours = "xmlns=\"urn:oasis:names:tc:SAML:2.0:assertion\"";
+    for (const std::string& spoiled :
+         {Forge::Replaced(xml, "xmlns=\"urn:other\"", ours + " xmlns:=\"urn:other\""),
+          Forge::Replaced(xml, "xmlns=\"urn:other\"", ours + " :xmlns=\"urn:other\""),
+          Forge::Replaced(xml, "xmlns=\"urn:other\"", "xmlns:=\"urn:other\"")})
+        EXPECT_EQ(Judge(spoiled, ""), Verdict::Refused) << spoiled;
+}
+
 }  // namespace
