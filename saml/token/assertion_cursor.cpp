@@ -65,8 +65,8 @@ void ExpectElement(const ElementNodeImpl* element, std::string_view localName,
     }
 }
 
-// Blanks are invisible between elements only. Beside a text they belong to what was signed: a comment
-// behind the first character of " admin" must not make "admin" of it.
+// Blanks are invisible between elements only. Beside a text they belong to what was signed: a
+// comment behind the first character of " admin" must not make "admin" of it.
 bool HasOtherText(const ElementNodeImpl& element, const Xml::TextNodeImpl& text) {
     for (const Xml::NodeImpl* child = element.FirstChild(); child != nullptr;
          child = child->NextSibling())
