@@ -53,6 +53,8 @@ class SAML_API Canonicalizer
     /// Writes the canonical form of the element `node`, which may stand inside a larger tree: the
     /// namespace declarations of its ancestors count.
     /// \throws TypeMismatchException  `node` is no element of the library's own classes.
+    /// \throws XmlSecurityException   Repeated namespace declarations would be more than 8 MiB
+    ///                                and more than a hundred times what was met in the tree.
     /// What `out` throws passes unchanged; what was written stays written.
     virtual void Canonicalize(Node* node, Writer& out) = 0;
 
@@ -64,8 +66,10 @@ class SAML_API Canonicalizer
 };
 
 /// Makes the canonicalizer named by `uri`, `Algorithm::InclusiveC14N` or
-/// `Algorithm::ExclusiveC14N`. \param result  Replaced on success, unchanged on failure. \throws
-/// UnsupportedCanonicalizationException  Any other identifier; the text is compared exactly.
+/// `Algorithm::ExclusiveC14N`.
+///
+/// \param result  Replaced on success, unchanged on failure.
+/// \throws UnsupportedCanonicalizationException  Any other identifier; compared exactly.
 SAML_API void CreateCanonicalizer(const std::string& uri,
                                   boost::intrusive_ptr<Canonicalizer>& result);
 
@@ -242,11 +246,12 @@ class SAML_API Signature
 
 /// Reads a `Signature` element for verification; the document is not changed.
 ///
-/// \param root              Reference URIs are resolved at and below it; usually the signed
-/// element. \param signatureElement  The element to read. \param result            Replaced on
-/// success, unchanged on failure. \throws SignatureSyntaxException  The structure is not the
-/// accepted one: `SignedInfo` with at
-///         least one `Reference`, `SignatureValue`, optional `KeyInfo` with at most one `X509Data`.
+/// \param root              Reference URIs are resolved at and below it; usually what is signed.
+/// \param signatureElement  The element to read.
+/// \param result            Replaced on success, unchanged on failure.
+/// \throws SignatureSyntaxException  The structure is not the accepted one: `SignedInfo` with at
+///                                   least one `Reference`, `SignatureValue`, optional `KeyInfo`
+///                                   with at most one `X509Data`.
 /// \throws InvalidArgumentException  `root` is null.
 /// \throws TypeMismatchException     An element is not of the library's own classes.
 SAML_API void CreateSignatureFromDom(ElementNode* root, ElementNode* signatureElement,

@@ -31,6 +31,12 @@ constexpr EscapeTable AttributeEscapes() {
 constexpr EscapeTable kTextEscapes = TextEscapes();
 constexpr EscapeTable kAttributeEscapes = AttributeEscapes();
 
+constexpr char kOutOfProportion[] =
+    "Canonicalization would repeat namespace declarations out of proportion.";
+// As expat has it for entities.
+constexpr std::size_t kFreeDeclaredSize = std::size_t{8} * 1024 * 1024;
+constexpr std::size_t kMaxAmplification = 100;
+
 void DeclareInherited(const ElementNodeImpl& apex, NamespaceScope& scope) {
     for (const ElementNodeImpl* element = ParentElement(apex); element != nullptr;
          element = ParentElement(*element))
@@ -72,7 +78,9 @@ class C14NCanonicalizer::Rendering {
     bool Enter(const NodeImpl& node) {
         if (&node != &apex_ && !filter_.Accept(node)) return false;
         if (node.Type() == NodeType::Text) {
-            WriteEscapedTo(out_, static_cast<const TextNodeImpl&>(node).Text(), kTextEscapes);
+            const std::string& text = static_cast<const TextNodeImpl&>(node).Text();
+            seenSize_ += text.size();
+            WriteEscapedTo(out_, text, kTextEscapes);
             return false;
         }
         if (node.Type() != NodeType::Element) return false;
@@ -80,6 +88,7 @@ class C14NCanonicalizer::Rendering {
         const ElementNodeImpl& element = static_cast<const ElementNodeImpl&>(node);
         scope_.Enter();
         CollectAttributes(element);
+        CheckProportion(element);
         WriteStartTag(element);
         return true;
     }
@@ -106,6 +115,18 @@ class C14NCanonicalizer::Rendering {
         attributes_.Sort();
     }
 
+    // The exclusive form declares an inherited namespace on every element that uses it and has no
+    // ancestor that does: a long URI once in the text, and short tags make as many copies as they
+    // are. Nothing has been checked of a token by then.
+    void CheckProportion(const ElementNodeImpl& element) {
+        for (const auto& [written, value] : element.Attributes())
+            seenSize_ += written.size() + value.size();
+        for (const CanonicalAttribute& attribute : attributes_)
+            if (attribute.IsDeclaration()) declaredSize_ += attribute.value.size();
+        if (declaredSize_ > kFreeDeclaredSize && declaredSize_ / kMaxAmplification > seenSize_)
+            throw XmlSecurityException(kOutOfProportion);
+    }
+
     void WriteStartTag(const ElementNodeImpl& element) {
         out_.Append('<');
         WriteName(out_, element.Prefix(), element.LocalName());
@@ -125,6 +146,8 @@ class C14NCanonicalizer::Rendering {
     CanonicalOutput out_;
     NamespaceScope scope_;
     CanonicalAttributes attributes_;  ///< Of the element under the pen; reused for every one.
+    std::size_t seenSize_ = 0;        ///< Of the texts and attributes met so far.
+    std::size_t declaredSize_ = 0;    ///< Of the URIs that the output declares so far.
 };
 
 void C14NCanonicalizer::Canonicalize(FilteredNodeCursor cursor, Writer& out) const {

@@ -17,6 +17,8 @@ class CanonicalizerInt {
     /// Writes the canonical form of the cursor's node, the apex, about which the filter is not
     /// asked, and of everything below it that the filter accepts.
     /// \throws TypeMismatchException  The apex is no element.
+    /// \throws XmlSecurityException   Repeated declarations would be more than 8 MiB and more
+    ///                                than a hundred times what was met: a flood.
     virtual void Canonicalize(FilteredNodeCursor cursor, Writer& out) const = 0;
     virtual ~CanonicalizerInt() = default;
 };

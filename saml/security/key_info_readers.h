@@ -16,8 +16,9 @@ extern const std::array<KeyInfoReader, 2> kKeyInfoReaders;
 
 /// What the first of these readers makes of a `KeyInfo` element. The others are never asked:
 /// callers rely on every `KeyInfo` that is read being certificates or a refusal, never content that
-/// a resolver would have to be trusted with. \throws SignatureSyntaxException  It makes nothing of
-/// it, or refuses it.
+/// a resolver would have to be trusted with.
+///
+/// \throws SignatureSyntaxException  It makes nothing of it, or refuses it.
 boost::intrusive_ptr<KeyInfo> ReadKeyInfo(
     ElementNodeImpl& keyInfo, const NamespaceContext& namespaces,
     const std::array<KeyInfoReader, 2>& readers = kKeyInfoReaders);

@@ -65,6 +65,15 @@ void ExpectElement(const ElementNodeImpl* element, std::string_view localName,
     }
 }
 
+// Blanks are invisible between elements only. Beside a text they belong to what was signed: a
+// comment behind the first character of " admin" must not make "admin" of it.
+bool HasOtherText(const ElementNodeImpl& element, const Xml::TextNodeImpl& text) {
+    for (const Xml::NodeImpl* child = element.FirstChild(); child != nullptr;
+         child = child->NextSibling())
+        if (child != &text && child->Type() == Xml::NodeType::Text) return true;
+    return false;
+}
+
 // Signed first: the conversion to an unsigned type alone would take "-1" for a huge number.
 std::uint64_t CountFromText(const std::string& text) {
     return boost::numeric_cast<std::uint64_t>(boost::lexical_cast<std::int64_t>(text));
@@ -153,7 +162,8 @@ std::string AssertionElement::TypeAsWritten() const {
 
 const std::string& AssertionElement::Text() const {
     const Xml::TextNodeImpl* const text = Xml::FindOnlyText(*node_, kVisible);
-    if (text == nullptr) throw ParseException(NotOnlyText(LocalName()));
+    if (text == nullptr || HasOtherText(*node_, *text))
+        throw ParseException(NotOnlyText(LocalName()));
     return text->Text();
 }
 

@@ -47,8 +47,9 @@ class AssertionElement {
     /// The `xsi:type` as written; empty when there is none.
     std::string TypeAsWritten() const;
 
-    /// The text of an element that holds one text and nothing else. Texts with something between
-    /// them are never joined: "admin<!-- -->.evil" is refused, it must not read as "admin".
+    /// The text of an element that holds one text and nothing else but comments. Texts with
+    /// something between them are never joined, and none of them is passed over, blank or not:
+    /// "admin<!-- -->.evil" and " <!-- -->admin" are refused, neither must read as "admin".
     const std::string& Text() const;
     /// True when there is no child but blanks and comments.
     bool IsEmpty() const;

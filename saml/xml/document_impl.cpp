@@ -14,7 +14,6 @@ DocumentImpl::DocumentImpl() : NodeImpl(NodeType::Document) {}
 // Both nodes are held to the end: neither the old root's destruction nor a move of the new root out
 // of its old parent may pull a node away half-way.
 void DocumentImpl::SetRootElement(ElementNode* root) {
-    if (root != nullptr && root == root_) return;
     const boost::intrusive_ptr<ElementNodeImpl> oldRoot(root_);
     const boost::intrusive_ptr<ElementNodeImpl> newRoot(
         root != nullptr ? CheckedCast<ElementNodeImpl>(root) : nullptr);

@@ -2,14 +2,42 @@
 
 #include "saml/xml/qualified_name.h"
 
+#include <optional>
+
 namespace Saml::Xml {
 namespace {
 
 constexpr std::string_view kDefaultDeclaration = "xmlns";
 constexpr std::string_view kPrefixDeclaration = "xmlns:";
+constexpr std::string_view kColonInFront = ":xmlns";
 
 bool StartsWith(std::string_view text, std::string_view start) noexcept {
     return text.substr(0, start.size()) == start;
+}
+
+/// The default namespace that `element` declares, nothing when it does not. Null when it declares
+/// one in several spellings: which of them canonicalization takes depends on where its apex is.
+std::optional<const std::string*> FindDefault(const ElementNodeImpl& element) {
+    std::optional<const std::string*> found;
+    for (const std::string_view name : {kDefaultDeclaration, kPrefixDeclaration, kColonInFront}) {
+        const std::string* const uri = element.FindAttribute(name);
+        if (uri == nullptr) continue;
+        if (found) return nullptr;
+        found = uri;
+    }
+    return found;
+}
+
+/// By prefix, what canonicalization finds declared by `element`, when not null, and above it.
+DeclarationMap CanonicalNamespaces(const ElementNodeImpl* element) {
+    DeclarationMap namespaces;
+    for (; element != nullptr; element = ParentElement(*element)) {
+        if (const auto uri = FindDefault(*element)) namespaces.emplace(std::string_view(), *uri);
+        for (const auto& [name, uri] : element->Attributes())
+            if (IsNamespaceDeclaration(name) && !DeclaredPrefix(name).empty())
+                namespaces.emplace(DeclaredPrefix(name), &uri);
+    }
+    return namespaces;
 }
 
 }  // namespace
@@ -19,7 +47,7 @@ bool IsNamespaceDeclaration(std::string_view attributeName) noexcept {
 }
 
 bool IsCanonicalDeclaration(std::string_view attributeName) noexcept {
-    return IsNamespaceDeclaration(attributeName) || attributeName == ":xmlns";
+    return IsNamespaceDeclaration(attributeName) || attributeName == kColonInFront;
 }
 
 std::string_view DeclaredPrefix(std::string_view declaration) noexcept {
@@ -61,14 +89,17 @@ const std::string* NamespaceContext::Find(const ElementNodeImpl& element,
     const ElementNodeImpl* const above = ParentElement(apex_);
     for (const ElementNodeImpl* scope = &element; scope != nullptr && scope != above;
          scope = ParentElement(*scope)) {
-        const std::string* const uri = scope->FindAttribute(declaration);
-        if (uri != nullptr) return uri;
+        if (prefix.empty()) {
+            if (const auto uri = FindDefault(*scope)) return *uri;
+        } else if (const std::string* const uri = scope->FindAttribute(declaration)) {
+            return uri;
+        }
     }
     if (!inheritedKnown_) {
-        inherited_ = DeclarationsInForce(above);
+        inherited_ = CanonicalNamespaces(above);
         inheritedKnown_ = true;
     }
-    const auto found = inherited_.find(declaration);
+    const auto found = inherited_.find(prefix);
     return found != inherited_.end() ? found->second : nullptr;
 }
 

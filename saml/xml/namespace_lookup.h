@@ -31,22 +31,28 @@ const std::string* FindNamespaceURI(const ElementNodeImpl& element, std::string_
 const std::string* FindAttributeByName(const ElementNodeImpl& element, std::string_view uri,
                                        std::string_view localName);
 
-/// Declarations in force, by declaration name ("xmlns", "xmlns:p"); refers into the tree.
+/// Declarations by a text of theirs; refers into the tree.
 using DeclarationMap = std::map<std::string_view, const std::string*, std::less<>>;
 
-/// What `element`, when not null, and its ancestor elements declare; the nearest one wins.
+/// What `element`, when not null, and its ancestor elements declare, by declaration name ("xmlns",
+/// "xmlns:p"); the nearest one wins.
 DeclarationMap DeclarationsInForce(const ElementNodeImpl* element);
 
 /// Namespace lookups of one pass over an unchanging tree, at and below an apex.
 ///
 /// What the apex inherits is collected once, when first needed. Without this, each element of a
 /// shallow subtree deep inside a hostile document would pay for a walk to the top of it.
+///
+/// It sees a default declaration where canonicalization does, in "xmlns:" and ":xmlns", too, and
+/// takes none from an element with several: else whoever adds one of these beside a signed "xmlns"
+/// decides what the reader takes an element for.
 /// Threads: used by one thread, like the tree.
 class NamespaceContext {
   public:
     explicit NamespaceContext(const ElementNodeImpl& apex) noexcept : apex_(apex) {}
 
-    /// As `FindNamespaceURI`; `element` is the apex or stands below it.
+    /// The URI that is bound to `prefix` at `element`, the apex or one below it; null when there is
+    /// none.
     const std::string* Find(const ElementNodeImpl& element, std::string_view prefix) const;
     /// The URI bound to the prefix of `element`; null when none is.
     const std::string* NamespaceOf(const ElementNodeImpl& element) const {
@@ -59,7 +65,7 @@ class NamespaceContext {
 
   private:
     const ElementNodeImpl& apex_;
-    mutable DeclarationMap inherited_;
+    mutable DeclarationMap inherited_;  ///< By prefix.
     mutable bool inheritedKnown_ = false;
 };
 

@@ -62,7 +62,6 @@ ElementNode* FindByExpandedName(NodeImpl* first, const ExpandedName& name) {
 // deeper than any stack. A child that nobody else holds gives its own children to the loop before
 // it goes; one that is still held becomes a detached tree.
 NodeImpl::~NodeImpl() {
-    lastChild_ = nullptr;
     boost::intrusive_ptr<NodeImpl> pending = std::move(firstChild_);
     while (pending) {
         const boost::intrusive_ptr<NodeImpl> child = std::move(pending);
@@ -73,7 +72,6 @@ NodeImpl::~NodeImpl() {
         if (dies && child->firstChild_) {
             child->lastChild_->nextSibling_ = std::move(pending);
             pending = std::move(child->firstChild_);
-            child->lastChild_ = nullptr;
         }
     }
 }

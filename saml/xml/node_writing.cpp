@@ -17,16 +17,15 @@ constexpr std::string_view kBlanks =
     "                                                                ";
 constexpr int kBlanksPerLevel = 2;
 
-/// Writes the indentation of `level` and gives the level of the children; compact stays compact.
-int WriteIndent(Writer& out, int level) {
-    if (level < 0) return kCompact;
+/// Writes the indentation of `level`: nothing for the negative one of compact output.
+void WriteIndent(Writer& out, int level) {
+    if (level < 0) return;
     std::size_t remaining = static_cast<std::size_t>(level) * kBlanksPerLevel;
     while (remaining != 0) {
         const std::size_t piece = std::min(remaining, kBlanks.size());
         WriteRun(out, kBlanks.substr(0, piece));
         remaining -= piece;
     }
-    return level + 1;
 }
 
 void WriteEscapedText(Writer& out, std::string_view text) {

@@ -1,7 +1,14 @@
 #include "saml/xml/tokenizer_events.h"
 
+#include <algorithm>
+#include <cstring>
+
 namespace Saml::Xml {
 namespace {
+
+// As expat has it for entities, whose expansion it counts; what defaults add it does not.
+constexpr std::uint64_t kFreeDefaultedSize = std::uint64_t{8} * 1024 * 1024;
+constexpr std::uint64_t kMaxAmplification = 100;
 
 std::string TextOrEmpty(const char* text) {
     return text != nullptr ? text : "";
@@ -37,8 +44,21 @@ void TokenizerEvents::Forward(void* userData, Event event) noexcept {
     }
 }
 
+// One declaration of a long default value, and every tag of four bytes holds a copy of it.
+void TokenizerEvents::CheckDefaults(const char** attributes) {
+    const char** text = attributes + XML_GetSpecifiedAttributeCount(tokenizer_);
+    if (*text == nullptr) return;
+    for (; *text != nullptr; ++text)
+        defaultedSize_ += std::strlen(*text);
+    const auto read =
+        static_cast<std::uint64_t>(std::max<XML_Index>(XML_GetCurrentByteIndex(tokenizer_), 0));
+    if (defaultedSize_ > kFreeDefaultedSize && defaultedSize_ / kMaxAmplification > read)
+        throw ParsingAbortedException();
+}
+
 void TokenizerEvents::OnStartElement(void* userData, const char* name, const char** attributes) {
     Forward(userData, [=](TokenizerEvents& events) {
+        events.CheckDefaults(attributes);
         events.name_ = name;
         events.handler_.StartElement(
             events.name_, static_cast<unsigned>(XML_GetCurrentLineNumber(events.tokenizer_)),

@@ -3,6 +3,7 @@
 #include "saml/xml.h"
 #include "saml/xml/expat_handle.h"
 
+#include <cstdint>
 #include <string>
 
 namespace Saml::Xml {
@@ -11,6 +12,8 @@ namespace Saml::Xml {
 ///
 /// No exception crosses expat, which is C: one that a handler throws stops the tokenizer, and from
 /// then on no event reaches the handler, although expat may still report a pending end tag.
+///
+/// Attributes that a DTD supplies stop the parse when they grow out of proportion to the text.
 class TokenizerEvents {
   public:
     /// Borrows both for the length of a parse. `banEntities` stops the parse at an entity
@@ -41,12 +44,14 @@ class TokenizerEvents {
                                             const char* systemId, const char* publicId,
                                             const char* notationName);
 
+    void CheckDefaults(const char** attributes);
     void Stop() noexcept;
 
     XML_Parser tokenizer_;
     XMLHandler& handler_;
     const bool banEntities_;
     bool stopped_ = false;
+    std::uint64_t defaultedSize_ = 0;  ///< Of all attributes that a DTD supplied so far.
     std::string name_;  ///< Reused for every tag, so that a name costs no allocation.
 };
 

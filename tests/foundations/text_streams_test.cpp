@@ -50,6 +50,16 @@ TEST(StringReader, HandsOutTheTextInChunksAndThenSaysTheEndForEver) {
     EXPECT_EQ(reader.position, 25000);
 }
 
+TEST(StringReader, GivesSingleBytes) {
+    StringReader reader("ab");
+    char byte = 0;
+    EXPECT_EQ(reader.Read(&byte, 1), 1);
+    EXPECT_EQ(byte, 'a');
+    EXPECT_EQ(reader.Read(&byte, 1), 1);
+    EXPECT_EQ(byte, 'b');
+    EXPECT_EQ(reader.Read(&byte, 1), -1);
+}
+
 TEST(StringReader, WritesNoFurtherThanTheBytesItCounts) {
     StringReader reader("abc");
     char buffer[] = "........";

@@ -3,6 +3,7 @@
 #include "support/big_documents.h"
 #include "support/canonical_forms.h"
 #include "support/small_stack.h"
+#include "support/thrown.h"
 
 #include <gtest/gtest.h>
 
@@ -127,6 +128,31 @@ TEST(Canonicalization, OfElementsThatEachUseOneOfManyNamespaces) {
         EXPECT_TRUE(FormOfRoot(Algorithm::InclusiveC14N, text) ==
                     "<r" + DeclarationList(kCount) + ">" + plain + "</r>");
         EXPECT_TRUE(FormOfRoot(Algorithm::ExclusiveC14N, text) == "<r>" + declaring + "</r>");
+    });
+}
+
+/// The exclusive form of `count` elements that each use one namespace, of 8192 bytes, which is
+/// declared on the root.
+std::string FormOfUsersOfALongNamespace(std::size_t count, const std::string& text = "") {
+    const std::string uri(8192, 'u');
+    return FormOfRoot(Algorithm::ExclusiveC14N,
+                      "<r xmlns:p=\"" + uri + "\">" + text + Repeated("<p:e/>", count) + "</r>");
+}
+
+TEST(Canonicalization, RefusesToRepeatALongNamespaceOutOfProportion) {
+    OnSmallStack([] {
+        constexpr std::size_t kEightMebibytes = 1024;  // so many times the namespace
+        const std::string one = "<p:e xmlns:p=\"" + std::string(8192, 'u') + "\"></p:e>";
+        EXPECT_TRUE(FormOfUsersOfALongNamespace(kEightMebibytes) ==
+                    "<r>" + Repeated(one, kEightMebibytes) + "</r>");
+        EXPECT_EQ(MessageOf<XmlSecurityException>(
+                      [&] { FormOfUsersOfALongNamespace(kEightMebibytes + 1); }),
+                  "Canonicalization would repeat namespace declarations out of proportion.");
+
+        // 1025 times 8192 bytes are 100 times 83968.
+        const std::string text(83968, 't');
+        EXPECT_TRUE(FormOfUsersOfALongNamespace(kEightMebibytes + 1, text) ==
+                    "<r>" + text + Repeated(one, kEightMebibytes + 1) + "</r>");
     });
 }
 

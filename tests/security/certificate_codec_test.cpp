@@ -92,6 +92,14 @@ TEST_P(SloppilyEncodedKeys, AreWrittenAnewAsTheSerializerDoes) {
     EXPECT_EQ(Serialized(*certificate), expected);
 }
 
+// 29 * 31 = 899 = 0x383: only the byte next to the zero tells that the zero is one too many.
+TEST(CertificateKey, LosesAZeroInFrontOfAModulusWithAHighByte) {
+    ForgedCertificate form;
+    form.keyBits = std::string("\x30\x08\x02\x03\x00\x03\x83\x02\x01\x03", 10);
+    EXPECT_EQ(*EncodePublicKeyOf(*ParseCertificateDer(form.Der())),
+              (Bytes{0x30, 0x07, 0x02, 0x02, 0x03, 0x83, 0x02, 0x01, 0x03}));
+}
+
 INSTANTIATE_TEST_SUITE_P(
     CertificateKey, SloppilyEncodedKeys,
     testing::Values(

@@ -3,11 +3,14 @@
 #include "saml/security/hash_algorithm_impl.h"
 #include "saml/security/sign_algorithm_impl.h"
 #include "saml/security/verify_algorithm_impl.h"
+#include "saml/security/x509_key_info.h"
+#include "support/resolving.h"
 #include "support/test_keys.h"
 #include "support/thrown.h"
 
 #include <gtest/gtest.h>
 
+#include <new>
 #include <vector>
 
 // What OpenSSL refuses to do is reported, and leaves what the caller had.
@@ -61,6 +64,15 @@ TEST(VerificationWithoutAStep, IsReported) {
     EXPECT_EQ(
         MessageOf<CryptoException>([&] { algorithm.Verify(kData.data(), kData.size(), kFormer); }),
         "Crypto Exception: Signature verification failed");
+}
+
+TEST(TrustChainWithoutRoomForACertificate, IsReported) {
+    boost::intrusive_ptr<KeyInfoResolver> resolver;
+    CreateTrustChainKeyResolver(Ders({"root"}), resolver);
+    const boost::intrusive_ptr<KeyInfo> sent(new X509KeyInfo("ds", Ders({"leaf", "intermediate"})));
+    EXPECT_EQ(KeysOf(*resolver, sent.get()), ExpectedKeys("leaf"));
+    const Refusal refusal(Function::StackPush);
+    EXPECT_THROW(KeysOf(*resolver, sent.get()), std::bad_alloc);
 }
 
 }  // namespace

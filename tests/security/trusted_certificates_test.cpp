@@ -38,10 +38,12 @@ TEST(TrustedCertificates, MustAllBeCertificates) {
 
 TEST(TrustedCertificates, StandInForASentOneWithTheSameBytes) {
     const TrustedCertificates trusted({CertificateNamed("root").der, CertificateNamed("leaf").der});
-    const CertificateHandle sent =
-        trusted.ParseSent(std::make_shared<const Bytes>(*CertificateNamed("leaf").der));
+    const auto standIn = [&trusted](const char* name) {
+        return trusted.ParseSent(std::make_shared<const Bytes>(*CertificateNamed(name).der));
+    };
     ASSERT_EQ(trusted.end() - trusted.begin(), 2);
-    EXPECT_EQ(sent.get(), (trusted.begin() + 1)->get());
+    EXPECT_EQ(standIn("root").get(), trusted.begin()->get());
+    EXPECT_EQ(standIn("leaf").get(), (trusted.begin() + 1)->get());
 }
 
 TEST(TrustedCertificates, LeaveASentOneWithOtherBytesToTheParser) {

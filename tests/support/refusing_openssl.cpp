@@ -1,6 +1,7 @@
 #include "support/refusing_openssl.h"
 
 #include <openssl/evp.h>
+#include <openssl/stack.h>
 
 #include <optional>
 
@@ -32,6 +33,8 @@ int __real_EVP_SignFinal(EVP_MD_CTX* context, unsigned char* signature, unsigned
                          EVP_PKEY* key);
 int __wrap_EVP_SignFinal(EVP_MD_CTX* context, unsigned char* signature, unsigned* length,
                          EVP_PKEY* key);
+int __real_OPENSSL_sk_push(OPENSSL_STACK* stack, const void* element);
+int __wrap_OPENSSL_sk_push(OPENSSL_STACK* stack, const void* element);
 
 int __wrap_EVP_DigestUpdate(EVP_MD_CTX* context, const void* data, size_t length) {
     if (refusing == Function::DigestUpdate) return 0;
@@ -47,5 +50,10 @@ int __wrap_EVP_SignFinal(EVP_MD_CTX* context, unsigned char* signature, unsigned
                          EVP_PKEY* key) {
     if (refusing == Function::SignFinal) return 0;
     return __real_EVP_SignFinal(context, signature, length, key);
+}
+
+int __wrap_OPENSSL_sk_push(OPENSSL_STACK* stack, const void* element) {
+    if (refusing == Function::StackPush) return 0;
+    return __real_OPENSSL_sk_push(stack, element);
 }
 }

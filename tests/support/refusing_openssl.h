@@ -4,7 +4,7 @@
 /// this in wraps them: `--wrap` of the linker, once for each.
 namespace Saml::RefusingOpenSsl {
 
-enum class Function { DigestUpdate, DigestFinal, SignFinal };
+enum class Function { DigestUpdate, DigestFinal, SignFinal, StackPush };
 
 /// While it lives, the function fails when this thread calls it.
 class Refusal {

@@ -61,14 +61,15 @@ std::string Account(const SamlToken& token) {
 std::string SignedTokenOfEveryKind() {
     Forge::TokenSpec spec;
     spec.holderOfKeyCertificate = "AQIDBAUG";
-    spec.delegateId = Forge::Name{ProfileUri::UpnNameFormat, "svc@corp"};
-    spec.delegates = {{{ProfileUri::UpnNameFormat, "svc@corp"}}};
-    spec.audience = {"urn:a", "urn:b"};
+    spec.subject.value = " jdoe@corp ";  // blanks are part of a name
+    spec.delegateId = Forge::Name{ProfileUri::UpnNameFormat, " svc@corp"};
+    spec.delegates = {{{ProfileUri::UpnNameFormat, " svc@corp"}}};
+    spec.audience = {"urn:a", "urn:b "};
     spec.proxyCount = "1";
     spec.renewRestriction = true;
     spec.renewCount = "1";
     spec.advice = {{"s", {{"n", {"v", ""}}}}};
-    spec.attributes = {{ProfileUri::GroupIdentity, {"dom\\admin"}},
+    spec.attributes = {{ProfileUri::GroupIdentity, {"dom\\admin "}},
                        {ProfileUri::GivenName, {"Jane"}},
                        {ProfileUri::Surname, {""}},
                        {ProfileUri::IsSolution, {"true"}}};
@@ -175,6 +176,89 @@ TEST(InvisibleMarkup, CannotTurnOneConditionIntoAnother) {
                 EXPECT_NE(Judge(spoiled, account), Verdict::Other) << spoiled;
             }
         }
+}
+
+// A DTD is not part of the assertion: whoever presents a token may put one in front.
+TEST(InvisibleMarkup, OfADtdNeverChangesWhatASignedTokenSays) {
+    const std::string xml = SignedTokenOfEveryKind();
+    const std::string account = AccountOf(xml);
+    const std::map<std::string, Verdict> verdicts = {
+        {"<!ATTLIST saml:Subject xmlns:unused CDATA 'urn:unused'>", Verdict::Same},
+        {"<!ATTLIST saml:Assertion Version CDATA '3.0' ID ID 'x'>", Verdict::Same},
+        {"<!ATTLIST ds:Reference Id CDATA 'x'>", Verdict::Refused},
+        {"<!ATTLIST ds:KeyInfo xmlns:unused CDATA 'urn:unused'>", Verdict::Same},
+        {"<!ATTLIST saml:NameID Format CDATA #FIXED 'other'>", Verdict::Same},
+        {"<!ATTLIST saml:NameID xmlns:saml CDATA 'urn:other'>", Verdict::Refused},
+        {"<!ATTLIST saml:AttributeValue x CDATA 'y'>", Verdict::Refused},
+        {"<!ATTLIST saml:Audience ID CDATA '_4f1c0d7e'>", Verdict::Refused},
+        {"<!ENTITY lt '&#38;#60;'><!ENTITY amp '&#38;#38;'>", Verdict::Same},
+        {"<!ELEMENT saml:NameID EMPTY><!-- x --><?p x?>", Verdict::Same},
+    };
+    for (const auto& [declarations, verdict] : verdicts)
+        EXPECT_EQ(Judge("<!DOCTYPE saml:Assertion [" + declarations + "]>" + xml, account), verdict)
+            << declarations;
+}
+
+// As expat reads a document whose external subset it does not have: nothing stands for an entity
+// that might be declared there. The digest sees what the token says.
+TEST(InvisibleMarkup, OfEntitiesWithoutADeclarationSaysNothing) {
+    const std::string xml = SignedTokenOfEveryKind();
+    const std::string account = AccountOf(xml);
+    const std::string split = Forge::Replaced(xml, "Jane", "Ja&nobody;ne");
+    EXPECT_EQ(Judge("<!DOCTYPE saml:Assertion SYSTEM 'x'>" + split, account), Verdict::Same);
+    EXPECT_EQ(Judge("<!DOCTYPE saml:Assertion [<!ENTITY nobody SYSTEM 'x'>]>" + split, account),
+              Verdict::Same);
+    EXPECT_EQ(Judge("<!DOCTYPE saml:Assertion [<!ENTITY nobody '<!-- -->'>]>" + split, account),
+              Verdict::Refused);
+    EXPECT_EQ(Judge("<!DOCTYPE saml:Assertion [<!ENTITY nobody 'x'>]>" + split, account),
+              Verdict::Refused);
+    EXPECT_EQ(Judge(split, account), Verdict::Refused);
+}
+
+/// The same characters in UTF-16, with a byte order mark.
+std::string InUtf16(const std::string& ascii, bool bigEndian) {
+    std::string wide = bigEndian ? "\xfe\xff" : "\xff\xfe";
+    for (const char character : ascii) {
+        if (bigEndian) wide += '\0';
+        wide += character;
+        if (!bigEndian) wide += '\0';
+    }
+    return wide;
+}
+
+TEST(InvisibleMarkup, MayBeInAnyEncodingThatTheParserKnows) {
+    const std::string xml = SignedTokenOfEveryKind();
+    const std::string account = AccountOf(xml);
+    for (const std::string& text : {InUtf16(xml, true), InUtf16(xml, false), "\xef\xbb\xbf" + xml,
+                                    "<?xml version='1.0' encoding='ISO-8859-1'?>" + xml})
+        EXPECT_EQ(Judge(text, account), Verdict::Same);
+    for (const std::string& text : {xml + '\0', "<?xml version='1.0' encoding='UTF-7'?>" + xml,
+                                    "<?xml version='1.0' encoding='UTF-16'?>" + xml,
+                                    "\xff\xfe" + xml, Forge::Replaced(xml, "Jane", "Ja\xc0\x80ne"),
+                                    Forge::Replaced(xml, "Jane", "Jane\xed\xa0\x80")})
+        EXPECT_EQ(Judge(text, account), Verdict::Refused);
+}
+
+/// A token that says in another namespace what an assertion without prefixes says.
+std::string SignedInAnotherNamespace() {
+    Forge::TokenSpec spec;
+    spec.prefix = "";
+    const std::string xml =
+        Forge::Replaced(Forge::Write(spec), "xmlns=\"urn:oasis:names:tc:SAML:2.0:assertion\"",
+                        "xmlns=\"urn:other\"");
+    return Forge::Sign(xml, {TestKeys::KeyNamed("leaf").privateKey, {}});
+}
+
+// To canonicalization all three spellings are the default declaration, so each of these texts has
+// the digest of the signed one.
+TEST(InvisibleMarkup, CannotTurnAnotherNamespaceIntoTheAssertions) {
+    const std::string xml = SignedInAnotherNamespace();
+    const std::string ours = "xmlns=\"urn:oasis:names:tc:SAML:2.0:assertion\"";
+    for (const std::string& spoiled :
+         {Forge::Replaced(xml, "xmlns=\"urn:other\"", ours + " xmlns:=\"urn:other\""),
+          Forge::Replaced(xml, "xmlns=\"urn:other\"", ours + " :xmlns=\"urn:other\""),
+          Forge::Replaced(xml, "xmlns=\"urn:other\"", "xmlns:=\"urn:other\"")})
+        EXPECT_EQ(Judge(spoiled, ""), Verdict::Refused) << spoiled;
 }
 
 }  // namespace

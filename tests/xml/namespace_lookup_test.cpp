@@ -369,6 +369,34 @@ TEST(NamespaceContext, AnswersLikeALookupAtAndBelowItsApex) {
     EXPECT_EQ(Shown(namespaces.NamespaceOf(Impl(Find(*document, "e")))), "apex");
 }
 
+// Canonicalization splits names before it asks what they are; a reader that did not would see other
+// elements than were signed.
+TEST(NamespaceContext, KnowsTheDefaultDeclarationInEverySpelling) {
+    for (const std::string spelling : {"xmlns", "xmlns:", ":xmlns"}) {
+        const Held<Document> document =
+            Parsed("<x " + spelling + "='x'><apex " + spelling + "='apex' p='p'><b " + spelling +
+                   "='b'/><c/></apex></x>");
+        const NamespaceContext below(Impl(Find(*document, "c")));
+        EXPECT_EQ(Shown(below.NamespaceOf(Impl(Find(*document, "c")))), "apex") << spelling;
+        const NamespaceContext namespaces(Impl(Find(*document, "apex")));
+        EXPECT_EQ(Shown(namespaces.NamespaceOf(Impl(Find(*document, "b")))), "b") << spelling;
+        EXPECT_EQ(Shown(namespaces.NamespaceOf(Impl(Find(*document, "c")))), "apex") << spelling;
+    }
+}
+
+TEST(NamespaceContext, TakesNoDefaultDeclarationWhereThereAreSeveral) {
+    for (const std::string two :
+         {"xmlns='u' xmlns:='u'", "xmlns:='v' :xmlns='u'", "xmlns='u' :xmlns='v'"}) {
+        const Held<Document> document =
+            Parsed("<x xmlns='u'><y " + two + " xmlns:p='p'><apex><p:b/></apex></y></x>");
+        for (const char* apex : {"y", "apex"}) {
+            const NamespaceContext namespaces(Impl(Find(*document, apex)));
+            EXPECT_EQ(namespaces.NamespaceOf(Impl(Find(*document, "apex"))), nullptr) << two;
+            EXPECT_EQ(Shown(namespaces.NamespaceOf(Impl(Find(*document, "b")))), "p") << two;
+        }
+    }
+}
+
 TEST(NamespaceContext, AnswersForADetachedApex) {
     const Held<ElementNode> top(CreateElementNode("p", "top"));
     const NamespaceContext namespaces(Impl(top.get()));
