@@ -37,11 +37,17 @@ constexpr char kOutOfProportion[] =
 constexpr std::size_t kFreeDeclaredSize = std::size_t{8} * 1024 * 1024;
 constexpr std::size_t kMaxAmplification = 100;
 
-void DeclareInherited(const ElementNodeImpl& apex, NamespaceScope& scope) {
+/// Gives the size of the URIs that it met.
+std::size_t DeclareInherited(const ElementNodeImpl& apex, NamespaceScope& scope) {
+    std::size_t size = 0;
     for (const ElementNodeImpl* element = ParentElement(apex); element != nullptr;
          element = ParentElement(*element))
-        for (const auto& [name, uri] : element->Attributes())
-            if (IsCanonicalDeclaration(name)) scope.DeclareInherited(DeclaredPrefix(name), uri);
+        for (const auto& [name, uri] : element->Attributes()) {
+            if (!IsCanonicalDeclaration(name)) continue;
+            scope.DeclareInherited(DeclaredPrefix(name), uri);
+            size += uri.size();
+        }
+    return size;
 }
 
 void WriteEscapedTo(CanonicalOutput& out, std::string_view text, const EscapeTable& escapes) {
@@ -66,7 +72,7 @@ class C14NCanonicalizer::Rendering {
         : canonicalizer_(canonicalizer), apex_(apex), filter_(filter), out_(out) {}
 
     void Run() {
-        DeclareInherited(apex_, scope_);
+        seenSize_ = DeclareInherited(apex_, scope_);
         WalkInDocumentOrder(
             static_cast<const NodeImpl&>(apex_),
             [this](const NodeImpl& node) { return Enter(node); },

@@ -156,6 +156,15 @@ TEST(Canonicalization, RefusesToRepeatALongNamespaceOutOfProportion) {
     });
 }
 
+TEST(Canonicalization, TakesOverWhatIsInheritedOnceWhateverItsLength) {
+    const std::string uri(std::size_t{9} * 1024 * 1024, 'u');
+    const Held<Document> document = Parsed("<a xmlns:p=\"" + uri + "\"><p:e/></a>");
+    ElementNode* const apex = document->GetRootElement()->GetFirstChildElement("e");
+    const std::string expected = "<p:e xmlns:p=\"" + uri + "\"></p:e>";
+    EXPECT_TRUE(CanonicalForm(Algorithm::InclusiveC14N, *apex) == expected);
+    EXPECT_TRUE(CanonicalForm(Algorithm::ExclusiveC14N, *apex) == expected);
+}
+
 TEST(Canonicalization, OfNamespacesThatGrowDownTheTree) {
     OnSmallStack([] {
         constexpr std::size_t kLevels = 100000;
