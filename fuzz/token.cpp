@@ -3,11 +3,12 @@
 #include "oracle/profile/token_account.h"
 #include "support/documents.h"
 #include "support/laws.h"
+#include "support/signature_oracle.h"
 #include "support/signing_key.h"
 #include "support/token_reading.h"
 
-// A text that becomes a token says to any other reader what the token says; every other text is
-// refused by one of the documented exceptions.
+// A text that becomes a token says to any other reader what the token says, and was signed as other
+// libraries verify it; every other text is refused by one of the documented exceptions.
 
 namespace {
 
@@ -39,6 +40,7 @@ void Fuzz::CheckLaws(std::string_view input) {
         Require(account == Told(*reading), "a token says what another reader reads in its text");
 
     const DocumentPtr document = Parsed(text);
+    RequireThatOthersVerify(text, *document, *FirstSignature(*document));
     const TokenPtr fromDom = TokenOf([&] {
         return Saml::CreateSamlTokenFromDom(document->GetRootElement(), &TrustingTheSigner());
     });

@@ -11,11 +11,17 @@ using namespace Saml::Xml::Security;
 
 constexpr std::string_view kSignatureStart = "<ds:Signature ";
 constexpr std::string_view kSignatureEnd = "</ds:Signature>";
+constexpr std::string_view kEndTag = "</";
 constexpr std::string_view kIssuerEnd = "Issuer>";
 
 const Saml::ByteBlob& Key() {
     static const Saml::ByteBlob key = PrivateKey();
     return key;
+}
+
+std::size_t PlaceForSignature(const std::string& text) {
+    const std::size_t issuer = text.find(kIssuerEnd, text.find(kEndTag));
+    return issuer != std::string::npos ? issuer + kIssuerEnd.size() : text.rfind(kEndTag);
 }
 
 /// The markup of a signature of `root`.
@@ -54,14 +60,13 @@ std::string WithoutSignature(std::string_view text) {
 // The signature is put into the text, not the text written anew: comments, CDATA sections and the
 // prolog, which writing loses, stay where they are.
 std::optional<std::string> WithSignature(const std::string& text, std::uint32_t choices) {
-    const std::size_t issuer = text.find("</");
-    const std::size_t place = text.find(kIssuerEnd, issuer);
-    if (issuer == std::string::npos || place == std::string::npos) return std::nullopt;
+    const std::size_t place = PlaceForSignature(text);
+    if (place == std::string::npos) return std::nullopt;
     const DocumentPtr document = Parsed(text);
     if (!document) return std::nullopt;
     try {
         const std::string signature = SignatureOf(*document->GetRootElement(), choices);
-        return std::string(text).insert(place + kIssuerEnd.size(), signature);
+        return std::string(text).insert(place, signature);
     } catch (const XmlSecurityException&) {  // no element, or several, have the root's ID
         return std::nullopt;
     }
