@@ -25,12 +25,6 @@ bool IsAccepted(const std::string& text, long long size, long long nodes, long l
     return true;
 }
 
-/// In any encoding that the parser knows.
-bool MayDeclareEntities(std::string text) {
-    text.erase(std::remove(text.begin(), text.end(), '\0'), text.end());
-    return text.find("<!ENTITY") != std::string::npos;
-}
-
 }  // namespace
 
 void Fuzz::CheckLaws(std::string_view input) {

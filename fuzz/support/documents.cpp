@@ -1,23 +1,29 @@
 #include "support/documents.h"
 
+#include "support/ignoring_handler.h"
+
 #include <algorithm>
-#include <map>
 
 namespace Fuzz {
 namespace {
 
 using namespace Saml::Xml;
 
-bool NamesSurvive(ElementNode& element) {
-    const std::string& local = element.GetLocalName();
-    if (element.GetPrefix().empty() && (local.empty() || local.find(':') != std::string::npos))
-        return false;
-    std::map<std::string, std::string> attributes;
-    element.GetAttributes(attributes);
-    return std::none_of(attributes.begin(), attributes.end(), [](const auto& attribute) {
-        return attribute.first.front() == ':' || attribute.first == "xmlns:";
-    });
+bool IsWrittenAsItIs(std::string_view name) {
+    return name.front() != ':' && name != "xmlns:";
 }
+
+class NameWatcher final : public IgnoringHandler {
+  public:
+    bool namesSurvive = true;
+
+    void StartElement(const std::string& name, unsigned, unsigned,
+                      const char** attributes) override {
+        namesSurvive = namesSurvive && IsWrittenAsItIs(name);
+        for (; *attributes != nullptr; attributes += 2)
+            namesSurvive = namesSurvive && IsWrittenAsItIs(*attributes);
+    }
+};
 
 }  // namespace
 
@@ -31,6 +37,11 @@ DocumentPtr Parsed(std::string_view text) {
         return nullptr;
     }
     return DocumentPtr(&dynamic_cast<Document&>(*document));
+}
+
+bool MayDeclareEntities(std::string text) {
+    text.erase(std::remove(text.begin(), text.end(), '\0'), text.end());
+    return text.find("<!ENTITY") != std::string::npos;
 }
 
 std::vector<Node*> ChildrenOf(Node& parent) {
@@ -54,10 +65,9 @@ std::vector<ElementNode*> ElementsOf(Document& document, std::size_t atMost) {
     return elements;
 }
 
-bool NamesSurvive(Document& document) {
-    const std::vector<ElementNode*> elements = ElementsOf(document, kAllElements);
-    return std::all_of(elements.begin(), elements.end(),
-                       [](ElementNode* element) { return NamesSurvive(*element); });
+bool NamesSurvive(std::string_view text) {
+    const boost::intrusive_ptr<NameWatcher> watcher(new NameWatcher);
+    return ParseInto(*watcher, std::string(text)) && watcher->namesSurvive;
 }
 
 std::string CanonicalForm(const char* algorithm, ElementNode& apex) {

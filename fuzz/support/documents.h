@@ -15,6 +15,9 @@ using DocumentPtr = boost::intrusive_ptr<Saml::Xml::Document>;
 /// The document of `text`, parsed without limits; null when the parser refuses it.
 DocumentPtr Parsed(std::string_view text);
 
+/// True for every text that declares an entity, in whichever encoding the parser knows.
+bool MayDeclareEntities(std::string text);
+
 constexpr std::size_t kAllElements = static_cast<std::size_t>(-1);
 
 /// In document order; at most `atMost` of them.
@@ -25,7 +28,7 @@ std::vector<Saml::Xml::Node*> ChildrenOf(Saml::Xml::Node& parent);
 
 /// False when a name would come out of the library's writers as another one: names are split at
 /// their first colon, and nothing remembers a colon in front.
-bool NamesSurvive(Saml::Xml::Document& document);
+bool NamesSurvive(std::string_view text);
 
 /// The canonical form; nothing when canonicalization refuses to repeat declarations any further.
 std::string CanonicalForm(const char* algorithm, Saml::Xml::ElementNode& apex);

@@ -1,6 +1,6 @@
 #include "support/measuring_handler.h"
 
-#include "saml/xml.h"
+#include "support/ignoring_handler.h"
 
 #include <algorithm>
 #include <cstring>
@@ -10,7 +10,7 @@ namespace {
 
 using namespace Saml::Xml;
 
-class MeasuringHandler final : public XMLHandler {
+class MeasuringHandler final : public IgnoringHandler {
   public:
     Measures measures;
 
@@ -46,13 +46,6 @@ class MeasuringHandler final : public XMLHandler {
     void XmlDeclaration(const std::string& version, const std::string& encoding) override {
         measures.size += static_cast<long long>(version.size() + encoding.size());
     }
-    void StartDocument(bool, boost::intrusive_ptr<Node>& document) override {
-        document.reset(CreateDocument());
-    }
-    void StartDocument(boost::intrusive_ptr<Node>& document) override {
-        StartDocument(false, document);
-    }
-    void Reset() override {}
 
   private:
     void Leaf(std::size_t size) {
@@ -74,13 +67,7 @@ class MeasuringHandler final : public XMLHandler {
 
 std::optional<Measures> Measure(const std::string& text) {
     const boost::intrusive_ptr<MeasuringHandler> handler(new MeasuringHandler);
-    const boost::intrusive_ptr<XMLParser> parser(CreateXMLParser(handler.get()));
-    boost::intrusive_ptr<Node> document;
-    try {
-        parser->Parse(text, document);
-    } catch (const XMLParseException&) {
-        return std::nullopt;
-    }
+    if (!ParseInto(*handler, text)) return std::nullopt;
     return handler->measures;
 }
 

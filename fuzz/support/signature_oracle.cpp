@@ -109,8 +109,8 @@ void RequireThatOthersAgree(const TheirForms& forms, Signature& signature) {
 }  // namespace
 
 void RequireThatOthersVerify(const std::string& text, Document& document, Signature& signature) {
-    if (!NamesSurvive(document) || IsCanonicalizedAnotherWay(document)) return;
-    if (HasPrefixLists(document)) return;
+    if (!NamesSurvive(text) || IsCanonicalizedAnotherWay(document)) return;
+    if (HasPrefixLists(document) || MayDeclareEntities(text)) return;
     const TheirForms forms(text, document);
     if (!forms.AreKnown()) return;
     try {
