@@ -24,11 +24,20 @@ std::size_t PlaceForSignature(const std::string& text) {
     return issuer != std::string::npos ? issuer + kIssuerEnd.size() : text.rfind(kEndTag);
 }
 
+void AddReference(Signature& signature, const std::string& uri, const char* digestMethod) {
+    boost::intrusive_ptr<SignatureReference> reference;
+    signature.AddReference(uri, digestMethod, reference);
+    reference->AddEnvelopedSignatureTransform();
+    reference->SetCanonicalizationMethod(Algorithm::ExclusiveC14N);
+}
+
 /// The markup of a signature of `root`.
 std::string SignatureOf(ElementNode& root, std::uint32_t choices) {
     const bool isWholeDocument = (choices & 1) != 0;
     const bool sendsCertificate = (choices & 2) != 0;
     const bool isSha1 = (choices & 28) == 0;
+    const bool hasSecondReference = (choices & 96) == 0;
+    const char* const digestMethod = isSha1 ? Algorithm::Sha1 : Algorithm::Sha256;
     boost::intrusive_ptr<Signature> signature;
     CreateBlankSignature(&root, Algorithm::ExclusiveC14N,
                          isSha1 ? Algorithm::RsaSha1 : Algorithm::RsaSha256, "ds", signature);
@@ -36,11 +45,8 @@ std::string SignatureOf(ElementNode& root, std::uint32_t choices) {
 
     std::string id;
     root.GetAttribute("ID", id);
-    boost::intrusive_ptr<SignatureReference> reference;
-    signature->AddReference(isWholeDocument ? "" : "#" + id,
-                            isSha1 ? Algorithm::Sha1 : Algorithm::Sha256, reference);
-    reference->AddEnvelopedSignatureTransform();
-    reference->SetCanonicalizationMethod(Algorithm::ExclusiveC14N);
+    AddReference(*signature, isWholeDocument ? "" : "#" + id, digestMethod);
+    if (hasSecondReference) AddReference(*signature, "#_2", digestMethod);
     if (sendsCertificate) signature->SetKeyInfo({Certificate()});
     signature->Sign(Key());
     Saml::StringWriter out;
@@ -67,7 +73,7 @@ std::optional<std::string> WithSignature(const std::string& text, std::uint32_t 
     try {
         const std::string signature = SignatureOf(*document->GetRootElement(), choices);
         return std::string(text).insert(place, signature);
-    } catch (const XmlSecurityException&) {  // no element, or several, have the root's ID
+    } catch (const XmlSecurityException&) {  // no element, or several, have an ID
         return std::nullopt;
     }
 }
