@@ -18,9 +18,9 @@ bool HasXmlAttributes(Saml::Xml::Document& document);
 /// The one difference that a replacement brings out: ">" is escaped in attribute values, too.
 std::string WithGreaterThanSignsEscaped(const std::string& form);
 
-/// True when two accounts of `input` say the same. Expat tells a carriage return in an entity's
-/// replacement text as a line feed, where libxml2 keeps it: of a text that may declare entities,
-/// line ends do not count.
+/// True when two accounts of `input`, ours and libxml2's, say the same. libxml2 takes a carriage
+/// return in an entity's replacement text for a line end (XML 1.0, section 2.11, has those
+/// normalised on input only): of a text that may declare entities, line ends do not count.
 bool SayTheSame(const std::string& ours, const std::string& theirs, std::string_view input);
 
 }  // namespace Fuzz

@@ -39,9 +39,10 @@ DocumentPtr Parsed(std::string_view text) {
     return DocumentPtr(&dynamic_cast<Document&>(*document));
 }
 
-bool MayDeclareEntities(std::string text) {
-    text.erase(std::remove(text.begin(), text.end(), '\0'), text.end());
-    return text.find("<!ENTITY") != std::string::npos;
+bool Mentions(std::string_view text, std::string_view markup) {
+    std::string bytes(text);  // of UTF-16 without the other halves
+    bytes.erase(std::remove(bytes.begin(), bytes.end(), '\0'), bytes.end());
+    return bytes.find(markup) != std::string::npos;
 }
 
 std::vector<Node*> ChildrenOf(Node& parent) {

@@ -15,8 +15,8 @@ using DocumentPtr = boost::intrusive_ptr<Saml::Xml::Document>;
 /// The document of `text`, parsed without limits; null when the parser refuses it.
 DocumentPtr Parsed(std::string_view text);
 
-/// True for every text that declares an entity, in whichever encoding the parser knows.
-bool MayDeclareEntities(std::string text);
+/// True when `text` holds `markup`, which is ASCII, in whichever encoding the parser knows.
+bool Mentions(std::string_view text, std::string_view markup);
 
 constexpr std::size_t kAllElements = static_cast<std::size_t>(-1);
 
