@@ -1,3 +1,4 @@
+#include "oracle/canonicalization/greater_than_signs.h"
 #include "oracle/canonicalization/libxml2_canonicalizer.h"
 #include "support/canonical_differences.h"
 #include "support/documents.h"
@@ -21,7 +22,7 @@ constexpr std::size_t kApexes = 8;
 std::optional<std::string> TheirForm(const LibXml2::ParsedText& text, Method method,
                                      std::size_t apex) {
     try {
-        return Fuzz::WithGreaterThanSignsEscaped(text.CanonicalForm({method, apex}));
+        return LibXml2::WithGreaterThanSignsEscaped(text.CanonicalForm({method, apex}));
     } catch (const std::runtime_error&) {
         return std::nullopt;
     }

@@ -67,25 +67,6 @@ bool HasXmlAttributes(Document& document) {
     return false;
 }
 
-// In a canonical form "<" is always the beginning of a tag, and within a start tag quotation marks
-// stand around values only.
-std::string WithGreaterThanSignsEscaped(const std::string& form) {
-    std::string escaped;
-    bool inTag = false;
-    bool inValue = false;
-    for (const char byte : form) {
-        if (inValue && byte == '>') {
-            escaped += "&gt;";
-            continue;
-        }
-        if (byte == '<') inTag = true;
-        if (inTag && byte == '"') inValue = !inValue;
-        if (byte == '>') inTag = false;
-        escaped += byte;
-    }
-    return escaped;
-}
-
 bool SayTheSame(const std::string& ours, const std::string& theirs, std::string_view input) {
     if (ours == theirs) return true;
     return Mentions(input, "<!ENTITY") && WithoutLineEnds(ours) == WithoutLineEnds(theirs);

@@ -15,9 +15,6 @@ bool IsCanonicalizedAnotherWay(Saml::Xml::Document& document);
 /// would let an apex inherit.
 bool HasXmlAttributes(Saml::Xml::Document& document);
 
-/// The one difference that a replacement brings out: ">" is escaped in attribute values, too.
-std::string WithGreaterThanSignsEscaped(const std::string& form);
-
 /// True when two accounts of `input`, ours and libxml2's, say the same. libxml2 takes a carriage
 /// return in an entity's replacement text for a line end (XML 1.0, section 2.11, has those
 /// normalised on input only): of a text that may declare entities, line ends do not count.

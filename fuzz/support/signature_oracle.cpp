@@ -1,5 +1,6 @@
 #include "support/signature_oracle.h"
 
+#include "oracle/canonicalization/greater_than_signs.h"
 #include "oracle/profile/plain_values.h"
 #include "saml/security/openssl_handles.h"
 #include "support/canonical_differences.h"
@@ -69,7 +70,7 @@ class TheirForms {
         LibXml2::CanonicalPart part;
         part.apex = NumberOf(apex);
         if (leftOut != nullptr) part.leftOut = NumberOf(*leftOut);
-        return WithGreaterThanSignsEscaped(text_->CanonicalForm(part));
+        return LibXml2::WithGreaterThanSignsEscaped(text_->CanonicalForm(part));
     }
 
   private:
