@@ -1,11 +1,11 @@
 #include "saml/token.h"
 
-#include "oracle/profile/token_account.h"
 #include "support/canonical_differences.h"
 #include "support/documents.h"
 #include "support/laws.h"
 #include "support/signature_oracle.h"
 #include "support/signing_key.h"
+#include "support/token_account.h"
 #include "support/token_reading.h"
 
 // A text that becomes a token says to any other reader what the token says, and was signed as other

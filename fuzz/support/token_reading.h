@@ -1,6 +1,6 @@
 #pragma once
 
-#include "oracle/profile/token_account.h"
+#include "support/token_account.h"
 
 #include <optional>
 #include <string>
