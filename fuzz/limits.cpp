@@ -12,6 +12,7 @@ namespace {
 using namespace Saml::Xml;
 
 constexpr long long kUnlimited = LLONG_MAX;
+constexpr long long kMostNodes = 100000;  // entities make long documents of short texts
 
 bool IsAccepted(const std::string& text, long long size, long long nodes, long long depth) {
     const boost::intrusive_ptr<XMLParser> parser(
@@ -34,6 +35,7 @@ void Fuzz::CheckLaws(std::string_view input) {
             "without limits what is well-formed is accepted, and nothing else");
     if (!measures) return;
     const auto [size, nodes, depth] = *measures;
+    if (nodes > kMostNodes) return;
     if (!Mentions(text, "<!ENTITY"))
         Require(IsAccepted(text, size, nodes, depth), "a document is accepted at its measures");
     Require(!IsAccepted(text, size - 1, kUnlimited, kUnlimited), "the size is limited exactly");
