@@ -80,8 +80,7 @@ TEST(Tolerances, OfAnySizeWidenAndNarrowTheWindow) {
         Future("LeastPlusOneInsideTheWindow", wide, kLeast + 1),
         Future("LeastInThePast", past, kLeast),
         Valid("ThirtyTwoBitsInThePast", past, kPeriod),
-        Expired("AtTheFirstSecond",
-                Window("1901-12-13T20:45:52Z", "1901-12-13T20:45:53Z"), -1),
+        Expired("AtTheFirstSecond", Window("1901-12-13T20:45:52Z", "1901-12-13T20:45:53Z"), -1),
     });
 }
 
