@@ -25,14 +25,17 @@ KeyHandle PrivateKey(const std::string& name) {
     return KeyHandle(d2i_AutoPrivateKey(nullptr, &input, static_cast<long>(der->size())));
 }
 
-/// The canonical form of the `SignedInfo`, or else the root, of `xml`.
+/// The canonical form of the root of `xml`, or else of this child of its signature.
 std::string CanonicalForm(const std::string& xml, const char* child = nullptr) {
     const boost::intrusive_ptr<Xml::Document> document = Forge::Parse(xml);
     boost::intrusive_ptr<Xml::Security::Canonicalizer> canonicalizer;
     Xml::Security::CreateCanonicalizer(Xml::Security::Algorithm::ExclusiveC14N, canonicalizer);
     StringWriter canonical;
     Xml::Node* apex = document->GetRootElement();
-    if (child != nullptr) apex = document->GetRootElement()->GetFirstChildElement(child);
+    if (child != nullptr)
+        apex = document->GetRootElement()
+                   ->GetFirstChildElement("Signature")
+                   ->GetFirstChildElement(child);
     canonicalizer->Canonicalize(apex, canonical);
     return canonical.data;
 }
@@ -125,19 +128,29 @@ std::string Sending(const std::vector<std::string>& names) {
 }
 
 std::string TokenWith(const HandMadeSignature& signature, const Forge::TokenSpec& spec) {
-    const std::string digest = DigestOf(signature.digest, CanonicalForm(Forge::Write(spec)));
+    HandMadeSignature ofThis = signature;
+    ofThis.uri = "#" + spec.id;
+    return TokenWith(ofThis, Forge::Write(spec));
+}
+
+std::string TokenWith(const HandMadeSignature& signature, const std::string& assertion) {
+    const std::string digest = DigestOf(signature.digest, CanonicalForm(assertion));
     const std::string signedInfo =
         Element("SignedInfo", signature.canonicalizationMethod + signature.signatureMethod +
-                                  "<ds:Reference URI=\"#" + spec.id + "\">" + signature.transforms +
-                                  signature.digestMethod +
+                                  "<ds:Reference URI=\"" + signature.uri + "\">" +
+                                  signature.transforms + signature.digestMethod +
                                   Element("DigestValue", signature.digestText(digest)) +
                                   "</ds:Reference>" + signature.furtherReferences);
+    // What the assertion declares is in scope, too.
+    const auto inserted = [&assertion](const std::string& element) {
+        constexpr char kIssuerEnd[] = "</saml:Issuer>";
+        return Forge::Replaced(assertion, kIssuerEnd, kIssuerEnd + element);
+    };
     const std::string value =
-        signature.sign(CanonicalForm(SignatureElement(signedInfo), "SignedInfo"));
-    Forge::TokenSpec withSignature = spec;
-    withSignature.signature = SignatureElement(
-        signedInfo + Element("SignatureValue", signature.signatureText(value)) + signature.keyInfo);
-    return Forge::Write(withSignature);
+        signature.sign(CanonicalForm(inserted(SignatureElement(signedInfo)), "SignedInfo"));
+    return inserted(SignatureElement(signedInfo +
+                                     Element("SignatureValue", signature.signatureText(value)) +
+                                     signature.keyInfo));
 }
 
 std::string RefusedWithoutKey() {

@@ -36,6 +36,7 @@ std::string Sending(const std::vector<std::string>& names);
 
 /// As it is made, the provider's own signature.
 struct HandMadeSignature {
+    std::string uri = "#_genuine";
     std::string canonicalizationMethod =
         Method("CanonicalizationMethod", Xml::Security::Algorithm::ExclusiveC14N);
     std::string signatureMethod = Method("SignatureMethod", Xml::Security::Algorithm::RsaSha256);
@@ -55,6 +56,10 @@ struct HandMadeSignature {
 /// whatever methods the signature names.
 std::string TokenWith(const HandMadeSignature& signature,
                       const Forge::TokenSpec& spec = Provider::CustomerSpec());
+
+/// The same for an assertion that was written already, with the prefix "saml" and the identifier of
+/// the provider's customers' tokens.
+std::string TokenWith(const HandMadeSignature& signature, const std::string& assertion);
 
 /// The outcome when no resolver offers a key.
 std::string RefusedWithoutKey();
