@@ -174,6 +174,38 @@ TEST(SignatureMethods, MustNameTheDigestThatTheKeySigned) {
     ExpectOutcomes(attacks);
 }
 
+/// RSASSA-PSS (RFC 8017 section 8.1) with SHA-256 and the provider's own key.
+std::string SignedByPss(const std::string& signedInfo) {
+    const std::string input = TestKeys::PathOf("to-sign-by-pss");
+    TestKeys::WriteFile(input, signedInfo);
+    return TestKeys::OpenSsl("dgst -sha256 -sigopt rsa_padding_mode:pss -sign " +
+                             TestKeys::KeyNamed("leaf").pemPath + " " + input);
+}
+
+TEST(SignatureMethods, MustNameTheSchemeThatTheKeySigned) {
+    const auto by = [](const Signing& sign) {
+        HandMadeSignature signature;
+        signature.sign = sign;
+        return TokenWith(signature);
+    };
+    const auto unnamed = [](const std::string& signedInfo) {
+        return SigningWith("leaf")(DigestOf("SHA256", signedInfo));
+    };
+    ExpectOutcomes({
+        {"Pss", by(SignedByPss), RefusedAsTampered()},
+        {"EllipticCurve", by(SigningWith("ec")), RefusedAsTampered()},
+        {"Ed25519", by(SigningWith("ed25519", "")), RefusedAsTampered()},
+        {"DigestedTwice", by(unnamed), RefusedAsTampered()},
+        {"OnlyTheDigest",
+         by([](const std::string& signedInfo) { return DigestOf("SHA256", signedInfo); }),
+         RefusedAsTampered()},
+        {"OverOtherText", by([](const std::string&) { return SigningWith("leaf")("text"); }),
+         RefusedAsTampered()},
+        {"OverNothing", by([](const std::string&) { return SigningWith("leaf")(""); }),
+         RefusedAsTampered()},
+    });
+}
+
 TEST(SignatureMethods, AreRequiredOnce) {
     const auto with = [](const std::string& markup) {
         HandMadeSignature signature;
