@@ -65,7 +65,7 @@ TEST(ManyReferencesOfTokens, AreAllVerified) {
     });
     const std::string wrong = Reference("#_genuine", usual, "AAAA");
     const std::string nowhere = Reference("#nowhere", usual, digest);
-    const std::string unresolved = RefusedVerification("The URI could not be resolved: #nowhere");
+    const std::string unresolved = RefusedUnverified("The URI could not be resolved: #nowhere");
     ExpectOutcomes({
         {"Equal", WithReferences(equal, customer), Accepted(customer)},
         {"InBothForms", WithReferences(bothForms, customer), Accepted(customer)},
@@ -78,11 +78,11 @@ TEST(ManyReferencesOfTokens, AreAllVerified) {
         {"WrongAndNowhere", WithReferences(wrong + nowhere, customer), unresolved},
         {"OutsideOfTheDocument",
          WithReferences(Reference("http://attacker.example/", usual, digest), customer),
-         RefusedVerification("The URI could not be resolved: http://attacker.example/")},
+         RefusedUnverified("The URI could not be resolved: http://attacker.example/")},
         {"ToAFile", WithReferences(Reference("file:///etc/passwd", usual, digest), customer),
-         RefusedVerification("The URI could not be resolved: file:///etc/passwd")},
+         RefusedUnverified("The URI could not be resolved: file:///etc/passwd")},
         {"ByXPointer", WithReferences(Reference("#xpointer(/)", usual, digest), customer),
-         RefusedVerification("The URI could not be resolved: #xpointer(/)")},
+         RefusedUnverified("The URI could not be resolved: #xpointer(/)")},
     });
 }
 
@@ -129,7 +129,7 @@ std::string WithDigestedMarkup(const std::string& declaration, const std::string
 TEST(RepeatedNamespaces, AreRefusedOutOfProportion) {
     const std::string longUri(100000, 'u');
     const std::string declaration = " xmlns:p=\"" + longUri + "\"";
-    const std::string refused = RefusedVerification(
+    const std::string refused = RefusedUnverified(
         "Canonicalization would repeat namespace declarations out of proportion.");
     ExpectOutcomes({
         {"OnElements", WithDigestedMarkup(declaration, Repeated("<p:a/>", 1000)), refused},

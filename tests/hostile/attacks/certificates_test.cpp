@@ -215,7 +215,7 @@ TEST(KeysOfOtherKinds, VerifyNothing) {
         return TokenWith(signature);
     };
     const std::string unsupported =
-        RefusedVerification("Crypto Exception: Invalid or unsupported format of the public key");
+        RefusedUnverified("Crypto Exception: Invalid or unsupported format of the public key");
     // What a resolver throws passes unchanged unless it is a statement about the signature.
     const std::string cannotWrite = Refused<Xml::Security::CryptoException>(
         "Crypto Exception: Invalid or unsupported public key");

@@ -13,11 +13,10 @@ using namespace std::string_literals;
 using namespace Xml::Security::Algorithm;
 
 std::string RefusedDigest(const std::string& algorithm) {
-    return RefusedVerification("The following hash algorithm is unsupported: " + algorithm);
+    return RefusedUnverified("The following hash algorithm is unsupported: " + algorithm);
 }
 std::string RefusedCanonicalization(const std::string& algorithm) {
-    return RefusedVerification("The following canonicalization method is unsupported: " +
-                               algorithm);
+    return RefusedUnverified("The following canonicalization method is unsupported: " + algorithm);
 }
 std::string RefusedTransform(const std::string& algorithm) {
     return RefusedSyntax("Unsupported transformation algorithm: " + algorithm);

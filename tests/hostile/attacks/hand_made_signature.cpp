@@ -154,12 +154,12 @@ std::string TokenWith(const HandMadeSignature& signature, const std::string& ass
 }
 
 std::string RefusedWithoutKey() {
-    return RefusedVerification("No verification key available.");
+    return RefusedUnverified("No verification key available.");
 }
 std::string RefusedSyntax(const std::string& message) {
     return Refused<ParseException>("Signature syntax error: " + message);
 }
-std::string RefusedVerification(const std::string& message) {
+std::string RefusedUnverified(const std::string& message) {
     return Refused<InvalidSignatureException>("Signature verification error. " + message);
 }
 

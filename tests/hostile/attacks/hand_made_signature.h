@@ -66,6 +66,6 @@ std::string RefusedWithoutKey();
 /// The outcome when the reader of signatures refuses.
 std::string RefusedSyntax(const std::string& message);
 /// The outcome when the signature asks for what cannot be verified.
-std::string RefusedVerification(const std::string& message);
+std::string RefusedUnverified(const std::string& message);
 
 }  // namespace Saml::Attacks

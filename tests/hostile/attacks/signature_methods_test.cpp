@@ -15,7 +15,7 @@ constexpr char kDsig[] = "http://www.w3.org/2000/09/xmldsig#";
 constexpr char kMore[] = "http://www.w3.org/2001/04/xmldsig-more#";
 
 std::string RefusedMethod(const std::string& algorithm) {
-    return RefusedVerification("The signature algorithm is not supported: " + algorithm);
+    return RefusedUnverified("The signature algorithm is not supported: " + algorithm);
 }
 
 Signing Hmac(const std::string& digest, const std::string& secret) {
