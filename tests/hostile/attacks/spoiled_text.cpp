@@ -33,12 +33,10 @@ bool IsBase64Letter(char character) {
 }
 
 bool IsUnusedBase64(const std::string& text, Extent base64, std::size_t place, char now) {
-    if (!base64.Holds(place)) return false;
-    std::size_t padding = 0;
-    while (text[base64.end - padding - 1] == '=')
-        ++padding;
-    if (padding == 2 && place == base64.end - 1) return true;
-    if (place != base64.end - padding - 1 || !IsBase64Letter(now)) return false;
+    const std::size_t padding = text[base64.end - 1] == '=' ? 1 : 0;
+    if (text[base64.end - 2] == '=') throw std::runtime_error("two padding characters");
+    if (!base64.Holds(place) || place != base64.end - padding - 1 || !IsBase64Letter(now))
+        return false;
     const std::size_t unusedBits = 2 * padding;
     return kAlphabet.find(now) >> unusedBits == kAlphabet.find(text[place]) >> unusedBits;
 }

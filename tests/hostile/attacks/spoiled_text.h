@@ -21,8 +21,8 @@ Extent ContentOf(const std::string& text, const std::string& name, std::size_t f
 std::string WithBitFlipped(const std::string& text, std::size_t place, unsigned bit);
 
 /// A place of a Base64 text whose change to `now` leaves the bytes as they are: the last character
-/// in front of the padding, when only those of its bits change that belong to no byte; and the
-/// second of two padding characters, at which nobody looks.
+/// in front of the padding, when only those of its bits change that belong to no byte. For texts
+/// with one padding character at most.
 bool IsUnusedBase64(const std::string& text, Extent base64, std::size_t place, char now);
 bool IsBase64Letter(char character);
 
