@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -87,8 +88,8 @@ TEST_P(EveryCharacter, OfWhatIsSignedIsPartOfTheDigest) {
 INSTANTIATE_TEST_SUITE_P(SameNodes, EveryCharacter, testing::Bool(),
                          [](const auto& row) { return row.param ? "HolderOfKey" : "Bearer"; });
 
-constexpr const char* kWords[] = {"a",   "Zo\u00eb", " x ",    "admin", "&lt;b&gt;", "&amp;amp;",
-                                  "1,2", "'\"",      "\u0416", "&#13;", "]]&gt;",    "--&gt;"};
+constexpr const char* kWords[] = {"a",   "Zo\u00eb", " x ",    "admin",  "&lt;b&gt;", "&amp;amp;",
+                                  "1,2", "'\"",      "\u0416", "]]&gt;", "--&gt;"};
 
 /// A token of random values, with whatever is optional there or not.
 Forge::TokenSpec RandomSpec(Dice& dice) {
@@ -130,13 +131,28 @@ class Disguise {
         dice_.Shuffle(places);
         places.resize(std::min(times, places.size()));
         std::sort(places.rbegin(), places.rend());
+        const bool isGentle = dice_.Chance(60);
         for (const std::size_t place : places)
-            token_.insert(place, dice_.Any(kAdditions));
-        if (dice_.Chance(40)) declarations += dice_.Any(kDefaults);
+            isGentle ? PutGently(place) : Insert(place, dice_.Any(kAdditions));
+        if (dice_.Chance(30)) declarations += dice_.Any(kDefaults);
         return "<!DOCTYPE saml:Assertion [" + declarations + "]>" + token_;
     }
 
   private:
+    void Insert(std::size_t place, const std::string& addition) { token_.insert(place, addition); }
+
+    /// What cannot be seen in the canonical form: a comment beside a tag, an entity that says
+    /// nothing, a letter as its number.
+    void PutGently(std::size_t place) {
+        const bool isBesideATag = token_[place] == '<' || token_[place - 1] == '>';
+        if (isBesideATag && dice_.Chance(70))
+            Insert(place, "<!-- -->");
+        else if (token_[place] >= 'a' && token_[place] <= 'z' && dice_.Chance(50))
+            token_.replace(place, 1, "&#" + std::to_string(int{token_[place]}) + ";");
+        else
+            Insert(place, dice_.Chance(50) ? "&none;" : "&outside;");
+    }
+
     static constexpr const char* kAdditions[] = {
         "<!-- -->", "<!-- -->",     "<!---->",       "&none;", "&none;", "&outside;",
         "&remark;", "<![CDATA[]]>", "<![CDATA[x]]>", " ",      "<x/>",   "x"};
@@ -204,8 +220,8 @@ TEST(WhatWasDigested, IsWhatAnAcceptedTokenSays) {
     std::cout << accepted << " disguised tokens are accepted, " << refused << " are refused\n";
     RecordProperty("accepted", accepted);
     RecordProperty("refused", refused);
-    EXPECT_GT(accepted, 300);
-    EXPECT_GT(refused, 300);
+    EXPECT_GT(accepted, 500);
+    EXPECT_GT(refused, 500);
 }
 
 }  // namespace
