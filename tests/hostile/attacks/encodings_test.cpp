@@ -1,6 +1,7 @@
 // The same characters in other bytes, and bytes that are said to be something else than they are.
 // Whatever was signed was characters; what is read is what the bytes say, or nothing.
 #include "hostile/attacks/provider.h"
+#include "hostile/attacks/refusals.h"
 
 #include <gtest/gtest.h>
 
@@ -85,12 +86,6 @@ std::string Latin1(const std::string& utf8) {
 std::string Declared(const std::string& encoding, const std::string& token) {
     return "<?xml version='1.0' encoding='" + encoding + "'?>" + token;
 }
-std::string NotParsed(const std::string& reason) {
-    return Refused<Xml::XMLParseException>(reason);
-}
-std::string BadToken() {
-    return NotParsed("not well-formed (invalid token)");
-}
 std::string Misdeclared() {
     return NotParsed("encoding specified in XML declaration is incorrect");
 }
@@ -138,10 +133,10 @@ TEST(Encodings, ThatAreDeclaredFalselySayWhatWasNotSigned) {
     const std::string wide = Utf16(token, ByteOrder::Big);
     ExpectOutcomes({
         {"Utf8AsLatin1", Declared("ISO-8859-1", token), RefusedAsTampered()},
-        {"Latin1AsUtf8", Declared("UTF-8", Latin1(token)), BadToken()},
-        {"Latin1AsNothing", Latin1(token), BadToken()},
-        {"Latin1AsAscii", Declared("US-ASCII", Latin1(token)), BadToken()},
-        {"Utf8AsAscii", Declared("US-ASCII", token), BadToken()},
+        {"Latin1AsUtf8", Declared("UTF-8", Latin1(token)), NotWellFormed()},
+        {"Latin1AsNothing", Latin1(token), NotWellFormed()},
+        {"Latin1AsAscii", Declared("US-ASCII", Latin1(token)), NotWellFormed()},
+        {"Utf8AsAscii", Declared("US-ASCII", token), NotWellFormed()},
         // The declaration wins against the mark.
         {"Utf8BehindItsMarkAsLatin1", kByteOrderMark + Declared("ISO-8859-1", token),
          RefusedAsTampered()},
@@ -155,12 +150,12 @@ TEST(Encodings, ThatAreDeclaredFalselySayWhatWasNotSigned) {
          Misdeclared()},
         {"BigAsLittleByDeclaration", Utf16(Declared("UTF-16LE", token), ByteOrder::Big),
          Misdeclared()},
-        {"BigAsLittleByMark", "\xff\xfe" + wide, BadToken()},
-        {"Utf8BehindAUtf16Mark", "\xfe\xff" + token, BadToken()},
-        {"Utf16BehindAUtf8Mark", kByteOrderMark + wide, BadToken()},
+        {"BigAsLittleByMark", "\xff\xfe" + wide, NotWellFormed()},
+        {"Utf8BehindAUtf16Mark", "\xfe\xff" + token, NotWellFormed()},
+        {"Utf16BehindAUtf8Mark", kByteOrderMark + wide, NotWellFormed()},
         {"Utf16WithHalfACharacter", wide + '\0', NotParsed("unclosed token")},
         {"Utf16ThatEndsInAHalf", wide.substr(0, wide.size() - 1), NotParsed("unclosed token")},
-        {"Utf16ThenUtf8", wide + token, BadToken()},
+        {"Utf16ThenUtf8", wide + token, NotWellFormed()},
     });
 }
 
@@ -194,27 +189,27 @@ Attack WithBytes(const std::string& name, const std::string& bytes, const std::s
 // What a lenient decoder takes for a character that is not allowed, or for markup.
 TEST(Encodings, OfCharactersThatAreNoneAreRefused) {
     ExpectOutcomes({
-        WithBytes("OverlongNul", "\xc0\x80", BadToken()),
-        WithBytes("OverlongLessThan", "\xc0\xbc", BadToken()),
-        WithBytes("OverlongSlashOfThree", "\xe0\x80\xaf", BadToken()),
-        WithBytes("OverlongLessThanOfFour", "\xf0\x80\x80\xbc", BadToken()),
-        WithBytes("OverlongLetter", "\xc1\x81", BadToken()),
-        WithBytes("FiveBytes", "\xf8\x88\x80\x80\x80", BadToken()),
-        WithBytes("SixBytes", "\xfc\x84\x80\x80\x80\x80", BadToken()),
-        WithBytes("BeyondUnicode", "\xf4\x90\x80\x80", BadToken()),
-        WithBytes("LoneContinuation", "\x80", BadToken()),
-        WithBytes("MissingContinuation", "\xc3", BadToken()),
-        WithBytes("MissingContinuationBeforeAQuote", "\xe2\x82\"", BadToken()),
-        WithBytes("HighSurrogate", "\xed\xa0\x80", BadToken()),
-        WithBytes("LowSurrogate", "\xed\xb0\x80", BadToken()),
-        WithBytes("SurrogatePair", "\xed\xa0\xbd\xed\xb8\x80", BadToken()),
-        WithBytes("Nul", std::string(1, '\0'), BadToken()),
-        WithBytes("NulAndMore", std::string("\0admin", 6), BadToken()),
-        WithBytes("ControlCharacter", "\x08", BadToken()),
-        WithBytes("EscapeCharacter", "\x1b[2J", BadToken()),
-        WithBytes("NonCharacterFFFE", "\xef\xbf\xbe", BadToken()),
-        WithBytes("NonCharacterFFFF", "\xef\xbf\xbf", BadToken()),
-        WithBytes("ByteFF", "\xff", BadToken()),
+        WithBytes("OverlongNul", "\xc0\x80", NotWellFormed()),
+        WithBytes("OverlongLessThan", "\xc0\xbc", NotWellFormed()),
+        WithBytes("OverlongSlashOfThree", "\xe0\x80\xaf", NotWellFormed()),
+        WithBytes("OverlongLessThanOfFour", "\xf0\x80\x80\xbc", NotWellFormed()),
+        WithBytes("OverlongLetter", "\xc1\x81", NotWellFormed()),
+        WithBytes("FiveBytes", "\xf8\x88\x80\x80\x80", NotWellFormed()),
+        WithBytes("SixBytes", "\xfc\x84\x80\x80\x80\x80", NotWellFormed()),
+        WithBytes("BeyondUnicode", "\xf4\x90\x80\x80", NotWellFormed()),
+        WithBytes("LoneContinuation", "\x80", NotWellFormed()),
+        WithBytes("MissingContinuation", "\xc3", NotWellFormed()),
+        WithBytes("MissingContinuationBeforeAQuote", "\xe2\x82\"", NotWellFormed()),
+        WithBytes("HighSurrogate", "\xed\xa0\x80", NotWellFormed()),
+        WithBytes("LowSurrogate", "\xed\xb0\x80", NotWellFormed()),
+        WithBytes("SurrogatePair", "\xed\xa0\xbd\xed\xb8\x80", NotWellFormed()),
+        WithBytes("Nul", std::string(1, '\0'), NotWellFormed()),
+        WithBytes("NulAndMore", std::string("\0admin", 6), NotWellFormed()),
+        WithBytes("ControlCharacter", "\x08", NotWellFormed()),
+        WithBytes("EscapeCharacter", "\x1b[2J", NotWellFormed()),
+        WithBytes("NonCharacterFFFE", "\xef\xbf\xbe", NotWellFormed()),
+        WithBytes("NonCharacterFFFF", "\xef\xbf\xbf", NotWellFormed()),
+        WithBytes("ByteFF", "\xff", NotWellFormed()),
         // These are characters, if odd ones; they were not signed.
         WithBytes("DeleteCharacter", "\x7f", RefusedAsTampered()),
         WithBytes("C1ControlCharacter", "\xc2\x85", RefusedAsTampered()),
@@ -226,9 +221,9 @@ TEST(Encodings, OfCharactersThatAreNoneAreRefused) {
         {"LoneSurrogateInUtf16",
          Replaced(Utf16(GenuineWestern().token, ByteOrder::Big), std::string("\0o\0\xeb", 4),
                   std::string("\0o\xd8\x3d", 4)),
-         BadToken()},
-        {"NulBehindTheToken", GenuineWestern().token + '\0', BadToken()},
-        {"NulInFront", '\0' + GenuineWestern().token, BadToken()},
+         NotWellFormed()},
+        {"NulBehindTheToken", GenuineWestern().token + '\0', NotWellFormed()},
+        {"NulInFront", '\0' + GenuineWestern().token, NotWellFormed()},
         {"NothingElse", std::string(1, '\0'), NotParsed("unclosed token")},
     });
 }
@@ -286,10 +281,10 @@ TEST(XmlDeclarations, AreReadStrictly) {
         {"Twice", "<?xml version='1.0'?><?xml version='1.0'?>" + token, notAtStart},
         {"SecondEncoding", Declared("UTF-8", Declared("ISO-8859-1", token)), notAtStart},
         {"AtTheEnd", token + "<?xml version='1.0'?>", NotParsed("junk after document element")},
-        {"InCapitals", "<?XML version='1.0'?>" + token, BadToken()},
+        {"InCapitals", "<?XML version='1.0'?>" + token, NotWellFormed()},
         {"BlanksInFront", " \t\r\n" + token, same},
         {"BlanksBehind", token + " \r\n", same},
-        {"TextInFront", "x" + token, BadToken()},
+        {"TextInFront", "x" + token, NotWellFormed()},
         {"TextBehind", token + "x", NotParsed("junk after document element")},
         {"TwoTokens", token + token, NotParsed("junk after document element")},
         {"Nothing", "", NotParsed("no element found")},

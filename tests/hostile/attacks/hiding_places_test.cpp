@@ -2,9 +2,12 @@
 // element of the profile and of the signature. Most places take no foreign element. Where one is
 // taken, it is searched for identifiers like everything else.
 #include "hostile/attacks/provider.h"
+#include "hostile/attacks/refusals.h"
 #include "hostile/attacks/stolen_signature.h"
 
 #include <gtest/gtest.h>
+
+#include <utility>
 
 namespace Saml::Attacks {
 namespace {
@@ -22,17 +25,6 @@ std::string HiddenInHolderOfKey(const Shape& shape, const TokenSpec& evil, const
     return Hidden(shape, holder, genuine);
 }
 
-std::string NotFound(const std::string& element) {
-    return Refused<ParseException>("Expected element '" + element + "' not found.");
-}
-std::string NotOnlyText(const std::string& element) {
-    return Refused<ParseException>(
-        "Element '" + element +
-        "' must only have textual content (but has extra children or is empty).");
-}
-std::string NotEmpty(const std::string& element) {
-    return Refused<ParseException>("Element '" + element + "' must be empty");
-}
 std::string Unexpected(const std::string& where) {
     return Refused<ParseException>("Unexpected elements " + where);
 }

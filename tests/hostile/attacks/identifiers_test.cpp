@@ -1,5 +1,6 @@
 // Identifiers that occur twice, or that only look like the one that was signed.
 #include "hostile/attacks/provider.h"
+#include "hostile/attacks/refusals.h"
 #include "hostile/attacks/stolen_signature.h"
 
 #include <gtest/gtest.h>
@@ -9,17 +10,8 @@ namespace {
 
 using Forge::Replaced;
 
-std::string WithDtd(const std::string& declarations, const std::string& token) {
-    return "<!DOCTYPE saml:Assertion [" + declarations + "]>" + token;
-}
 const std::string& GenuineToken() {
     return SignedByIdentifier().token;
-}
-std::string UnexpectedAttributes(const std::string& element) {
-    return Refused<ParseException>("Unexpected attributes on element '" + element + "'");
-}
-std::string NotParsed(const std::string& reason) {
-    return Refused<Xml::XMLParseException>(reason);
 }
 
 struct Spelling {
@@ -184,7 +176,7 @@ TEST(ALookAlikeIdentifier, IsAnother) {
 }
 
 TEST(ALookAlikeIdentifier, OfCharactersThatXmlDoesNotHaveIsNotParsed) {
-    const std::string badByte = NotParsed("not well-formed (invalid token)");
+    const std::string badByte = NotWellFormed();
     const std::string badNumber = NotParsed("reference to invalid character number");
     ExpectOutcomes({
         LookAlike("Nul", std::string("_genuine\0", 9), badByte),
@@ -243,8 +235,7 @@ TEST(TheTokensOwnIdentifier, CountsAsTheParserReadsIt) {
         Written("ExternalEntity", "_genuine&e;", external,
                 NotParsed("reference to external entity in attribute")),
         Written("UndeclaredEntity", "_genuine&e;", "", NotParsed("undefined entity")),
-        Written("MarkupByEntity", "&e;", "<!ENTITY e '&#60;x/>'>",
-                NotParsed("not well-formed (invalid token)")),
+        Written("MarkupByEntity", "&e;", "<!ENTITY e '&#60;x/>'>", NotWellFormed()),
         Written("RecursiveEntity", "&e;", "<!ENTITY e '&e;'>",
                 NotParsed("recursive entity reference")),
         Written("BlanksAround", " _genuine ", "", RefusedAsUncovered()),

@@ -1,5 +1,6 @@
 // Which signature counts, where it stands, and what its references may say.
 #include "hostile/attacks/provider.h"
+#include "hostile/attacks/refusals.h"
 #include "hostile/attacks/stolen_signature.h"
 #include "support/test_keys.h"
 
@@ -10,9 +11,6 @@ namespace {
 
 using Forge::Replaced;
 
-std::string NotFound(const std::string& element) {
-    return Refused<ParseException>("Expected element '" + element + "' not found.");
-}
 std::string RefusedAsUntrusted() {
     return RefusedVerification("No verification key available.");
 }

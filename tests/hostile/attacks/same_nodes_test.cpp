@@ -23,8 +23,8 @@ using MarkupPlaces::Span;
 std::optional<Oracle::Account> Verified(const std::string& text) {
     try {
         return Oracle::AccountOf(*CreateSamlToken(text, Provider::TrustInTheSigner().get()));
-    } catch (ParseException* refusal) {
-        delete refusal;
+    } catch (ParseException* thrown) {
+        const std::unique_ptr<ParseException> refusal(thrown);
     } catch (const Exception&) {
         // Which refusal it is does not matter here.
     }

@@ -3,6 +3,7 @@
 // signed (CVE-2017-11427 and its kin, CVE-2018-0489). Whatever is added: the whole text is read, or
 // the token is refused.
 #include "hostile/attacks/provider.h"
+#include "hostile/attacks/refusals.h"
 #include "hostile/attacks/stolen_signature.h"
 
 #include <gtest/gtest.h>
@@ -89,26 +90,20 @@ constexpr char kDeclarations[] =
     "<!ENTITY instruction '<?x y?>'><!ENTITY external SYSTEM 'file:///etc/hostname'>"
     "<!ENTITY itself '&itself;'>";
 
-std::string Doctype(const std::string& declarations) {
-    return "<!DOCTYPE saml:Assertion [" + declarations + "]>";
-}
 std::string Around(const Field& field, const std::string& text) {
     return Replaced(Long().token, field.before + field.wanted + field.rest + field.behind,
                     field.before + text + field.behind);
 }
 
 std::string NotOnlyText(const Field& field) {
-    const std::string message =
+    if (!field.isOfSignature) return Attacks::NotOnlyText(field.element);
+    return RefusedSignatureSyntax(
         std::string("Element '") + field.element +
-        "' must only have textual content (but has extra children or is empty).";
-    return field.isOfSignature ? RefusedSignatureSyntax(message) : Refused<ParseException>(message);
+        "' must only have textual content (but has extra children or is empty).");
 }
 std::string OtherDelegate() {
     return Refused<ParseException>(
         "The SubjectConfirmation delegate id does not match the id of the last delegate");
-}
-std::string NotParsed(const std::string& reason) {
-    return Refused<Xml::XMLParseException>(reason);
 }
 
 enum class Effect {
@@ -174,7 +169,7 @@ TEST_P(SplitText, IsReadWholeOrRefused) {
     const auto add = [&](const Splitter& splitter, const char* place, const std::string& text,
                          bool isInTheMiddle) {
         attacks.push_back({std::string(splitter.name) + place,
-                           Doctype(kDeclarations) + Around(field_, text),
+                           WithDtd(kDeclarations, Around(field_, text)),
                            Outcome(splitter, field_, isInTheMiddle)});
     };
     for (const Splitter& splitter : kSplitters) {
@@ -204,7 +199,7 @@ TEST_P(SplitText, OfTheSameCharactersIsReadWholeOrRefused) {
     const std::string same = Accepted(Long().spec);
     const auto with = [&](const std::string& name, const std::string& text,
                           const std::string& entity, const std::string& outcome) {
-        return Attack{name, Doctype("<!ENTITY rest '" + entity + "'>") + Around(field_, text),
+        return Attack{name, WithDtd("<!ENTITY rest '" + entity + "'>", Around(field_, text)),
                       outcome};
     };
     ExpectOutcomes({
@@ -235,8 +230,7 @@ TEST(SplitText, BesideABlankIsRefused) {
     Forge::TokenSpec spec = LongTexts();
     spec.subject.value = " admin@corp ";
     const std::string token = Provider::Signed(spec);
-    const std::string refused = Refused<ParseException>(
-        "Element 'NameID' must only have textual content (but has extra children or is empty).");
+    const std::string refused = Attacks::NotOnlyText("NameID");
     const auto with = [&](const std::string& text, const std::string& outcome) {
         return Attack{"'" + text + "'", Replaced(token, "> admin@corp <", ">" + text + "<"),
                       outcome};
@@ -282,14 +276,13 @@ std::string OutcomeOfSigned(const std::string& name) {
     Forge::TokenSpec spec = LongTexts();
     spec.subject.value = name;
     const boost::intrusive_ptr<Xml::Document> document =
-        Forge::Parse(Doctype(kDeclarations) + Forge::Write(spec));
+        Forge::Parse(WithDtd(kDeclarations, Forge::Write(spec)));
     Provider::SignInPlace(*document->GetRootElement(), {"#_genuine"});
     return OutcomeOf(*document->GetRootElement(), Provider::TrustInTheRoot());
 }
 
 TEST(SplitText, ThatTheProviderSignedIsReadWholeOrRefused) {
-    const std::string refused = Refused<ParseException>(
-        "Element 'NameID' must only have textual content (but has extra children or is empty).");
+    const std::string refused = Attacks::NotOnlyText("NameID");
     const std::string whole = Accepted(LongTexts());
     EXPECT_EQ(OutcomeOfSigned("admin@corp<!-- -->.evil.example"), refused);
     EXPECT_EQ(OutcomeOfSigned("<!-- -->admin@corp.evil.example<!-- -->"), whole);
@@ -331,23 +324,22 @@ TEST(SplitAttributeValue, IsReadWholeOrRefused) {
     for (const Value& row : AttributeValues()) {
         const std::string half = row.value.substr(0, row.value.size() / 2);
         const std::string rest = row.value.substr(half.size());
-        const auto add = [&](const char* name, const std::string& value, const std::string& entity,
+        const std::string declarations = kDeclarations + ("<!ENTITY rest '" + rest + "'>");
+        const auto add = [&](const char* name, const std::string& value,
                              const std::string& outcome) {
-            attacks.push_back({std::string(row.name) + "." + name,
-                               Doctype(kDeclarations + ("<!ENTITY rest '" + entity + "'>")) +
-                                   Replaced(Long().token, row.before + row.value + "\"",
-                                            row.before + value + "\""),
-                               outcome});
+            const std::string token =
+                Replaced(Long().token, row.before + row.value + "\"", row.before + value + "\"");
+            attacks.push_back(
+                {std::string(row.name) + "." + name, WithDtd(declarations, token), outcome});
         };
-        add("EmptyEntity", half + "&nothing;" + rest, "", same);
-        add("RestInAnEntity", half + "&rest;", rest, same);
-        add("CharacterReferences", CharacterReferences(row.value), "", same);
-        add("CommentInAnEntity", half + "&comment;" + rest, "",
-            NotParsed("not well-formed (invalid token)"));
-        add("Comment", half + "<!-- -->" + rest, "", NotParsed("not well-formed (invalid token)"));
-        add("ExternalEntity", half + "&external;" + rest, "",
+        add("EmptyEntity", half + "&nothing;" + rest, same);
+        add("RestInAnEntity", half + "&rest;", same);
+        add("CharacterReferences", CharacterReferences(row.value), same);
+        add("CommentInAnEntity", half + "&comment;" + rest, NotWellFormed());
+        add("Comment", half + "<!-- -->" + rest, NotWellFormed());
+        add("ExternalEntity", half + "&external;" + rest,
             NotParsed("reference to external entity in attribute"));
-        add("UndeclaredEntity", half + "&nobody;" + rest, "", NotParsed("undefined entity"));
+        add("UndeclaredEntity", half + "&nobody;" + rest, NotParsed("undefined entity"));
     }
     ExpectOutcomes(attacks);
 }

@@ -1,6 +1,7 @@
 #include "hostile/attacks/stolen_signature.h"
 
 #include "hostile/attacks/provider.h"
+#include "hostile/attacks/refusals.h"
 #include "support/canonical_forms.h"
 
 #include <gtest/gtest.h>
@@ -76,14 +77,6 @@ Forge::TokenSpec AdministratorSpec(const std::string& id) {
 std::string WithSignature(Forge::TokenSpec evil, const Genuine& genuine) {
     evil.signature = genuine.signature;
     return Forge::Write(evil);
-}
-
-std::string RefusedSignatureSyntax(const std::string& detail) {
-    return Refused<ParseException>("Signature syntax error: " + detail);
-}
-
-std::string RefusedVerification(const std::string& detail) {
-    return Refused<InvalidSignatureException>("Signature verification error. " + detail);
 }
 
 std::string RefusedAsDuplicate() {

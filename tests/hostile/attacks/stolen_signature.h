@@ -26,10 +26,6 @@ Forge::TokenSpec AdministratorSpec(const std::string& id);
 /// An evil assertion with a genuine signature behind its issuer.
 std::string WithSignature(Forge::TokenSpec evil, const Genuine& genuine);
 
-/// The message of a `ParseException` behind "Signature syntax error: ".
-std::string RefusedSignatureSyntax(const std::string& detail);
-/// The message of an `InvalidSignatureException` behind "Signature verification error. ".
-std::string RefusedVerification(const std::string& detail);
 /// Of a token whose wrapper has the identifier of the original.
 std::string RefusedAsDuplicate();
 

@@ -1,9 +1,13 @@
 // The eight shapes of signature wrapping of "On Breaking SAML" (USENIX Security 2012), for tokens
 // whose root is the assertion itself. "Original" is what was signed, without its signature.
 #include "hostile/attacks/provider.h"
+#include "hostile/attacks/refusals.h"
 #include "hostile/attacks/stolen_signature.h"
 
 #include <gtest/gtest.h>
+
+#include <iostream>
+#include <utility>
 
 namespace Saml::Attacks {
 namespace {
@@ -32,10 +36,6 @@ const std::string kUnexpectedInSignature =
     RefusedSignatureSyntax("Unexpected child nodes under 'Signature'");
 const std::string kNoSignatureThere =
     RefusedSignatureSyntax("Expected element 'Signature' not found.");
-
-std::string NotFound(const std::string& element) {
-    return Refused<ParseException>("Expected element '" + element + "' not found.");
-}
 
 const Shape kShapes[] = {
     // 1: the original is a child of the signature.
