@@ -230,5 +230,52 @@ TEST(SignatureWrapping, AroundAnElementThatIsHandedOverIsRefused) {
     EXPECT_EQ(OutcomeOf(*token, Provider::TrustInTheRoot()), kNoSignatureThere);
 }
 
+/// A response whose start tag declares the prefixes of the assertion in it, but for that of SAML.
+std::string Declaring(const std::string& delegation, const std::string& extension,
+                      const std::string& assertion) {
+    return Replaced(Response(assertion), " ID=\"_response\"",
+                    " xmlns:del=\"" + delegation + "\" xmlns:ext=\"" + extension + "\"");
+}
+
+// Exclusive canonicalization does not see a prefix that only the value of xsi:type uses: who
+// declares it outside of the assertion can rebind it. No other type is found under its name.
+TEST(SignatureWrapping, ByOtherNamespacesAroundAnAssertionIsRefused) {
+    const std::string delegation = "urn:oasis:names:tc:SAML:2.0:conditions:delegation";
+    const std::string extension = ProfileUri::ExtensionNamespace;
+    const std::string declarations =
+        " xmlns:del=\"" + delegation + "\" xmlns:ext=\"" + extension + "\"";
+    TokenSpec delegated = Provider::CustomerSpec();
+    delegated.advice.clear();
+    delegated.renewRestriction = false;
+    TokenSpec renewable = delegated;
+    renewable.delegates.clear();
+    renewable.delegateId.reset();
+    renewable.renewRestriction = true;
+    const std::string unknown = Refused<ParseException>(
+        "Unknown or duplicate restriction node under Conditions: Condition");
+
+    const auto outcome = [&](const TokenSpec& spec, const std::string& otherDelegation,
+                             const std::string& otherExtension) {
+        const std::string bare = Replaced(Forge::Write(spec), declarations, "");
+        const boost::intrusive_ptr<Xml::Document> genuine =
+            Forge::Parse(Declaring(delegation, extension, bare));
+        Xml::ElementNode& assertion = *AssertionsIn(*genuine).front();
+        Provider::SignInPlace(assertion, {"#_genuine"});
+        const boost::intrusive_ptr<Xml::Document> evil =
+            Forge::Parse(Declaring(otherDelegation, otherExtension, ""));
+        evil->GetRootElement()->AppendChild(&assertion);
+        return OutcomeOf(assertion, Provider::TrustInTheRoot());
+    };
+    EXPECT_EQ(outcome(delegated, delegation, extension), Accepted(delegated));
+    EXPECT_EQ(outcome(delegated, extension, delegation), unknown);
+    EXPECT_EQ(outcome(delegated, "urn:other", extension), unknown);
+    EXPECT_EQ(outcome(delegated, delegation, "urn:other"), Accepted(delegated));
+    EXPECT_EQ(outcome(renewable, delegation, extension), Accepted(renewable));
+    EXPECT_EQ(outcome(renewable, extension, delegation), unknown);
+    EXPECT_EQ(outcome(renewable, delegation, "urn:other"), unknown);
+    EXPECT_EQ(outcome(renewable, "urn:other", extension), Accepted(renewable));
+    RecordProperty("attacks", 8);
+}
+
 }  // namespace
 }  // namespace Saml::Attacks
