@@ -1,6 +1,7 @@
 // Small tokens that ask for much work, kept small enough here to look at their outcomes alone.
 // `hostile_costs` tells what the work is.
 #include "hostile/attacks/hand_made_signature.h"
+#include "hostile/attacks/refusals.h"
 #include "hostile/attacks/spoiled_text.h"
 #include "support/big_documents.h"
 
@@ -65,7 +66,7 @@ TEST(ManyReferencesOfTokens, AreAllVerified) {
     });
     const std::string wrong = Reference("#_genuine", usual, "AAAA");
     const std::string nowhere = Reference("#nowhere", usual, digest);
-    const std::string unresolved = RefusedUnverified("The URI could not be resolved: #nowhere");
+    const std::string unresolved = RefusedVerification("The URI could not be resolved: #nowhere");
     ExpectOutcomes({
         {"Equal", WithReferences(equal, customer), Accepted(customer)},
         {"InBothForms", WithReferences(bothForms, customer), Accepted(customer)},
@@ -78,11 +79,11 @@ TEST(ManyReferencesOfTokens, AreAllVerified) {
         {"WrongAndNowhere", WithReferences(wrong + nowhere, customer), unresolved},
         {"OutsideOfTheDocument",
          WithReferences(Reference("http://attacker.example/", usual, digest), customer),
-         RefusedUnverified("The URI could not be resolved: http://attacker.example/")},
+         RefusedVerification("The URI could not be resolved: http://attacker.example/")},
         {"ToAFile", WithReferences(Reference("file:///etc/passwd", usual, digest), customer),
-         RefusedUnverified("The URI could not be resolved: file:///etc/passwd")},
+         RefusedVerification("The URI could not be resolved: file:///etc/passwd")},
         {"ByXPointer", WithReferences(Reference("#xpointer(/)", usual, digest), customer),
-         RefusedUnverified("The URI could not be resolved: #xpointer(/)")},
+         RefusedVerification("The URI could not be resolved: #xpointer(/)")},
     });
 }
 
@@ -111,7 +112,7 @@ TEST(ManyTransforms, SayNothingNew) {
         {"OnePrefixOften", with(EnvelopedTransform() + PrefixListTransform(Repeated(" p", 10000))),
          Accepted(customer)},
         {"TheLastOfThemUnknown", with(all + Transform("urn:x")),
-         RefusedSyntax("Unsupported transformation algorithm: urn:x")},
+         RefusedSignatureSyntax("Unsupported transformation algorithm: urn:x")},
     });
 }
 
@@ -129,7 +130,7 @@ std::string WithDigestedMarkup(const std::string& declaration, const std::string
 TEST(RepeatedNamespaces, AreRefusedOutOfProportion) {
     const std::string longUri(100000, 'u');
     const std::string declaration = " xmlns:p=\"" + longUri + "\"";
-    const std::string refused = RefusedUnverified(
+    const std::string refused = RefusedVerification(
         "Canonicalization would repeat namespace declarations out of proportion.");
     ExpectOutcomes({
         {"OnElements", WithDigestedMarkup(declaration, Repeated("<p:a/>", 1000)), refused},
@@ -214,7 +215,7 @@ TEST(HugeBase64, IsReadAndCompared) {
          written(Base64Text, [&](const auto& d) { return blanks + Base64Text(d) + blanks; }),
          Accepted(customer)},
         {"EndingInNoGroup", sending("attacker", certificate(huge + "A")),
-         RefusedSyntax("Malformed base64 data")},
+         RefusedSignatureSyntax("Malformed base64 data")},
     });
 }
 
@@ -235,7 +236,7 @@ TEST(ManyChildren, OfKeyInformationMeanNothing) {
         {"CommentsBeforeTheData", with(Repeated("<!---->", 10000) + X509Data(certificates)),
          Accepted(customer)},
         {"MoreData", with(Repeated(X509Data(certificates), 500)),
-         RefusedSyntax("Unexpected extra element(s) after <X509Data>")},
+         RefusedSignatureSyntax("Unexpected extra element(s) after <X509Data>")},
         {"UnboundPrefixes", with(X509Data(Repeated("<u:X509Certificate/>", 10000) + certificates)),
          Accepted(customer)},
     });

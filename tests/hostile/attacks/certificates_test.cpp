@@ -1,5 +1,6 @@
 // Certificates that attackers send with their own signature. RFC 5280 section 6.
 #include "hostile/attacks/hand_made_signature.h"
+#include "hostile/attacks/refusals.h"
 #include "support/big_documents.h"
 #include "support/test_keys.h"
 
@@ -215,7 +216,7 @@ TEST(KeysOfOtherKinds, VerifyNothing) {
         return TokenWith(signature);
     };
     const std::string unsupported =
-        RefusedUnverified("Crypto Exception: Invalid or unsupported format of the public key");
+        RefusedVerification("Crypto Exception: Invalid or unsupported format of the public key");
     // What a resolver throws passes unchanged unless it is a statement about the signature.
     const std::string cannotWrite = Refused<Xml::Security::CryptoException>(
         "Crypto Exception: Invalid or unsupported public key");

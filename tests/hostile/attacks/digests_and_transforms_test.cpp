@@ -1,6 +1,7 @@
 // What is digested, how, and how much of the digest counts: all of it stands in a place that the
 // attacker writes. xmldsig-core 4.4.1, 4.4.3 and 6.
 #include "hostile/attacks/hand_made_signature.h"
+#include "hostile/attacks/refusals.h"
 
 #include <gtest/gtest.h>
 
@@ -13,13 +14,14 @@ using namespace std::string_literals;
 using namespace Xml::Security::Algorithm;
 
 std::string RefusedDigest(const std::string& algorithm) {
-    return RefusedUnverified("The following hash algorithm is unsupported: " + algorithm);
+    return RefusedVerification("The following hash algorithm is unsupported: " + algorithm);
 }
 std::string RefusedCanonicalization(const std::string& algorithm) {
-    return RefusedUnverified("The following canonicalization method is unsupported: " + algorithm);
+    return RefusedVerification("The following canonicalization method is unsupported: " +
+                               algorithm);
 }
 std::string RefusedTransform(const std::string& algorithm) {
-    return RefusedSyntax("Unsupported transformation algorithm: " + algorithm);
+    return RefusedSignatureSyntax("Unsupported transformation algorithm: " + algorithm);
 }
 
 Attack WithDigestMethod(const std::string& name, const std::string& algorithm,
@@ -88,7 +90,7 @@ TEST(DigestValues, CountToTheirLastByte) {
     const auto bytes = [&](const std::function<std::string(std::string)>& change) {
         return written([&](const std::string& digest) { return Base64Text(change(digest)); });
     };
-    const std::string notText = RefusedSyntax(
+    const std::string notText = RefusedSignatureSyntax(
         "Element 'DigestValue' must only have textual content (but has extra "
         "children or is empty).");
     ExpectOutcomes({
@@ -169,8 +171,9 @@ TEST(CanonicalizationMethods, TakeNoParameter) {
         Method("CanonicalizationMethod", ExclusiveC14N,
                "<c:InclusiveNamespaces xmlns:c=\"http://www.w3.org/2001/10/xml-exc-c14n#\" "
                "PrefixList=\"saml\"/>");
-    ExpectOutcomes({{"PrefixList", TokenWith(signature),
-                     RefusedSyntax("Element 'CanonicalizationMethod' may not have children")}});
+    ExpectOutcomes(
+        {{"PrefixList", TokenWith(signature),
+          RefusedSignatureSyntax("Element 'CanonicalizationMethod' may not have children")}});
 }
 
 Attack WithTransforms(const std::string& name, const std::string& transforms,
@@ -249,16 +252,17 @@ TEST(TransformsOfReferences, MustBeBoth) {
         WithTransforms("NoTransform", Transforms(""), RefusedCanonicalization("")),
         WithTransforms("NoTransforms", "", RefusedCanonicalization("")),
         WithTransforms("TransformsTwice", good + good,
-                       RefusedSyntax("Expected element 'DigestMethod' not found.")),
-        WithTransforms("TransformOfAnotherNamespace",
-                       Transforms("<x:Transform xmlns:x=\"urn:x\"/>"),
-                       RefusedSyntax("Element 'Transform has unexpected namespace: 'urn:x'")),
+                       RefusedSignatureSyntax("Expected element 'DigestMethod' not found.")),
+        WithTransforms(
+            "TransformOfAnotherNamespace", Transforms("<x:Transform xmlns:x=\"urn:x\"/>"),
+            RefusedSignatureSyntax("Element 'Transform has unexpected namespace: 'urn:x'")),
         WithTransforms("TransformsOfAnotherNamespace", "<x:Transforms xmlns:x=\"urn:x\"/>",
-                       RefusedSyntax("Expected element 'DigestMethod' not found.")),
-        WithTransforms("WithoutAlgorithm", Transforms("<ds:Transform/>"),
-                       RefusedSyntax("Node 'Transform is missing required attribute 'Algorithm'")),
+                       RefusedSignatureSyntax("Expected element 'DigestMethod' not found.")),
+        WithTransforms(
+            "WithoutAlgorithm", Transforms("<ds:Transform/>"),
+            RefusedSignatureSyntax("Node 'Transform is missing required attribute 'Algorithm'")),
         WithTransforms("TextAmongThem", Transforms("all" + EnvelopedTransform()),
-                       RefusedSyntax("Expected element 'Transform' not found.")),
+                       RefusedSignatureSyntax("Expected element 'Transform' not found.")),
     });
 }
 
@@ -283,9 +287,10 @@ TEST(PrefixLists, ThatTheSignerDidNotUseChangeTheDigest) {
         accepted("OfAnotherNamespace",
                  "<c:InclusiveNamespaces xmlns:c=\"urn:c\" "
                  "PrefixList=\"xsi\"/>"),
-        WithTransforms("Missing", with(open + "/>"),
-                       RefusedSyntax("Element 'InclusiveNamespaces' must have at least one "
-                                     "attribute: 'PrefixList'")),
+        WithTransforms(
+            "Missing", with(open + "/>"),
+            RefusedSignatureSyntax("Element 'InclusiveNamespaces' must have at least one "
+                                   "attribute: 'PrefixList'")),
     });
 }
 

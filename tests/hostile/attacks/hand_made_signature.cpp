@@ -1,5 +1,6 @@
 #include "hostile/attacks/hand_made_signature.h"
 
+#include "hostile/attacks/refusals.h"
 #include "saml/security/openssl_handles.h"
 #include "support/test_keys.h"
 
@@ -154,13 +155,7 @@ std::string TokenWith(const HandMadeSignature& signature, const std::string& ass
 }
 
 std::string RefusedWithoutKey() {
-    return RefusedUnverified("No verification key available.");
-}
-std::string RefusedSyntax(const std::string& message) {
-    return Refused<ParseException>("Signature syntax error: " + message);
-}
-std::string RefusedUnverified(const std::string& message) {
-    return Refused<InvalidSignatureException>("Signature verification error. " + message);
+    return RefusedVerification("No verification key available.");
 }
 
 }  // namespace Saml::Attacks

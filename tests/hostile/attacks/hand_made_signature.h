@@ -63,9 +63,5 @@ std::string TokenWith(const HandMadeSignature& signature, const std::string& ass
 
 /// The outcome when no resolver offers a key.
 std::string RefusedWithoutKey();
-/// The outcome when the reader of signatures refuses.
-std::string RefusedSyntax(const std::string& message);
-/// The outcome when the signature asks for what cannot be verified.
-std::string RefusedUnverified(const std::string& message);
 
 }  // namespace Saml::Attacks

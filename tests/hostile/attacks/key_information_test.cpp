@@ -1,5 +1,6 @@
 // KeyInfo is not signed: whoever sends the token writes it. xmldsig-core 4.5.
 #include "hostile/attacks/hand_made_signature.h"
+#include "hostile/attacks/refusals.h"
 #include "support/test_keys.h"
 
 #include <gtest/gtest.h>
@@ -39,7 +40,8 @@ std::string AttackersKeyValue() {
 }
 
 TEST(KeyInformation, OfOtherKindsThanCertificatesIsRefused) {
-    const std::string expectsX509 = RefusedSyntax("Expected element 'X509Data' not found.");
+    const std::string expectsX509 =
+        RefusedSignatureSyntax("Expected element 'X509Data' not found.");
     const auto with = [&](const char* name, const std::string& content) {
         return Attack{name, ForgedWith(KeyInfo(content)), expectsX509};
     };
@@ -69,8 +71,10 @@ TEST(KeyInformation, OfOtherKindsThanCertificatesIsRefused) {
 TEST(KeyInformation, IsTakenFromOnePlaceOnly) {
     const std::string genuine = X509Data(X509Certificates({"leaf", "intermediate"}));
     const std::string attackers = X509Data(X509Certificates({"attacker-leaf"}));
-    const std::string extra = RefusedSyntax("Unexpected extra element(s) after <X509Data>");
-    const std::string secondKeyInfo = RefusedSyntax("Unexpected child nodes under 'Signature'");
+    const std::string extra =
+        RefusedSignatureSyntax("Unexpected extra element(s) after <X509Data>");
+    const std::string secondKeyInfo =
+        RefusedSignatureSyntax("Unexpected child nodes under 'Signature'");
     ExpectOutcomes({
         {"TwoX509Data", ForgedWith(KeyInfo(genuine + attackers)), extra},
         {"TwoX509DataTheAttackersFirst", ForgedWith(KeyInfo(attackers + genuine)), extra},
@@ -91,7 +95,7 @@ TEST(KeyInformation, IsTakenFromOnePlaceOnly) {
 
 TEST(KeyInformation, IsReadStrictly) {
     const std::string certificate = X509Certificates({"attacker-leaf"});
-    const std::string notText = RefusedSyntax(
+    const std::string notText = RefusedSignatureSyntax(
         "Element 'X509Certificate' must only have textual content (but has extra children or is "
         "empty).");
     const auto holding = [](const std::string& text) {
@@ -101,30 +105,31 @@ TEST(KeyInformation, IsReadStrictly) {
     ExpectOutcomes({
         {"KeyInfoWithAnId",
          ForgedWith("<ds:KeyInfo Id=\"_genuine\">" + X509Data(certificate) + "</ds:KeyInfo>"),
-         RefusedSyntax("Unexpected attributes on element 'KeyInfo'")},
+         RefusedSignatureSyntax("Unexpected attributes on element 'KeyInfo'")},
         {"X509DataWithAnId",
          ForgedWith(KeyInfo("<ds:X509Data Id=\"k\">" + certificate + "</ds:X509Data>")),
-         RefusedSyntax("Unexpected attributes on element 'X509Data'")},
+         RefusedSignatureSyntax("Unexpected attributes on element 'X509Data'")},
         {"CertificateWithAnEncoding",
          ForgedWith(KeyInfo(X509Data("<ds:X509Certificate Encoding=\"hex\">AAAA"
                                      "</ds:X509Certificate>"))),
-         RefusedSyntax("Unexpected attributes on element 'X509Certificate'")},
+         RefusedSignatureSyntax("Unexpected attributes on element 'X509Certificate'")},
         {"X509DataOfAnotherNamespace",
          ForgedWith(KeyInfo("<x:X509Data xmlns:x=\"urn:x\">" + certificate + "</x:X509Data>")),
-         RefusedSyntax("Element 'X509Data has unexpected namespace: 'urn:x'")},
+         RefusedSignatureSyntax("Element 'X509Data has unexpected namespace: 'urn:x'")},
         {"EmptyCertificate", holding(""), notText},
         {"BlankCertificate", holding(" \n "), notText},
         {"CertificateInASection", holding("<![CDATA[AAAA]]>"), notText},
         {"CertificateWithAnElement", holding("AAAA<x/>"), notText},
         {"CertificateInTwoTexts", holding("AAAA<!-- -->AAAA"), notText},
-        {"CertificateThatIsNoBase64", holding("?"), RefusedSyntax("Malformed base64 data")},
+        {"CertificateThatIsNoBase64", holding("?"),
+         RefusedSignatureSyntax("Malformed base64 data")},
         {"CertificateInPem",
          holding("-----BEGIN CERTIFICATE-----\nAAAA\n-----END CERTIFICATE-----"),
-         RefusedSyntax("Malformed base64 data")},
+         RefusedSignatureSyntax("Malformed base64 data")},
         {"CertificateBehindAByteOrderMark",
          holding("\xEF\xBB\xBF"
                  "AAAA"),
-         RefusedSyntax("Malformed base64 data")},
+         RefusedSignatureSyntax("Malformed base64 data")},
     });
 }
 

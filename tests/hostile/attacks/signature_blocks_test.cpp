@@ -7,6 +7,7 @@
 // verification encodes anew, so that a block without them is refused, too.
 #include "hostile/attacks/hand_made_signature.h"
 #include "hostile/attacks/raw_rsa.h"
+#include "hostile/attacks/refusals.h"
 #include "support/test_keys.h"
 
 #include <gtest/gtest.h>
@@ -322,7 +323,7 @@ TEST(SignatureTexts, ThatHoldNoNumberAreRefused) {
         signature.signatureText = text;
         return TokenWith(signature, customer);
     };
-    const std::string notText = RefusedSyntax(
+    const std::string notText = RefusedSignatureSyntax(
         "Element 'SignatureValue' must only have textual content (but has extra children or is "
         "empty).");
     ExpectOutcomes({

@@ -1,6 +1,7 @@
 // The algorithm that a signature names belongs to the attacker; the one that the key is for does
 // not. xmldsig-core 4.4.2 and 6.1; "algorithm confusion" as in CVE-2015-9235 (of another format).
 #include "hostile/attacks/hand_made_signature.h"
+#include "hostile/attacks/refusals.h"
 #include "support/test_keys.h"
 
 #include <gtest/gtest.h>
@@ -15,7 +16,7 @@ constexpr char kDsig[] = "http://www.w3.org/2000/09/xmldsig#";
 constexpr char kMore[] = "http://www.w3.org/2001/04/xmldsig-more#";
 
 std::string RefusedMethod(const std::string& algorithm) {
-    return RefusedUnverified("The signature algorithm is not supported: " + algorithm);
+    return RefusedVerification("The signature algorithm is not supported: " + algorithm);
 }
 
 Signing Hmac(const std::string& digest, const std::string& secret) {
@@ -83,7 +84,8 @@ TEST(SignatureMethods, TakeNoOutputLength) {
         signature.sign = [](const std::string&) { return "\0"s; };
         return TokenWith(signature);
     };
-    const std::string refused = RefusedSyntax("Element 'SignatureMethod' may not have children");
+    const std::string refused =
+        RefusedSignatureSyntax("Element 'SignatureMethod' may not have children");
     ExpectOutcomes({
         {"HmacOfNoBits", shortened(kDsig + "hmac-sha1"s, "0"), refused},
         {"HmacOfOneBit", shortened(kDsig + "hmac-sha1"s, "1"), refused},
@@ -214,17 +216,19 @@ TEST(SignatureMethods, AreRequiredOnce) {
     };
     const std::string good = HandMadeSignature().signatureMethod;
     ExpectOutcomes({
-        {"Missing", with(""), RefusedSyntax("Expected element 'SignatureMethod' not found.")},
-        {"Twice", with(good + good), RefusedSyntax("Expected element 'Reference' not found.")},
+        {"Missing", with(""),
+         RefusedSignatureSyntax("Expected element 'SignatureMethod' not found.")},
+        {"Twice", with(good + good),
+         RefusedSignatureSyntax("Expected element 'Reference' not found.")},
         {"WithoutAlgorithm", with("<ds:SignatureMethod/>"),
-         RefusedSyntax("Node 'SignatureMethod is missing required attribute 'Algorithm'")},
+         RefusedSignatureSyntax("Node 'SignatureMethod is missing required attribute 'Algorithm'")},
         {"AlgorithmInAnotherCase",
          with("<ds:SignatureMethod algorithm=\""s + Xml::Security::Algorithm::RsaSha256 + "\"/>"),
-         RefusedSyntax("Node 'SignatureMethod is missing required attribute 'Algorithm'")},
+         RefusedSignatureSyntax("Node 'SignatureMethod is missing required attribute 'Algorithm'")},
         {"WithASecondAlgorithm",
          with("<ds:SignatureMethod Algorithm=\""s + Xml::Security::Algorithm::RsaSha256 +
               "\" ds:Algorithm=\"none\"/>"),
-         RefusedSyntax("Unexpected attributes on element 'SignatureMethod'")},
+         RefusedSignatureSyntax("Unexpected attributes on element 'SignatureMethod'")},
     });
 }
 

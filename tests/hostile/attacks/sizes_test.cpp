@@ -1,6 +1,7 @@
 // Tokens of hostile size and shape as a whole, on a small stack: nothing recurses, nothing is
 // quadratic. Many of them are genuine, since a forgery is refused before all of it has been read.
 #include "hostile/attacks/hand_made_signature.h"
+#include "hostile/attacks/refusals.h"
 #include "support/big_documents.h"
 #include "support/small_stack.h"
 
@@ -154,7 +155,7 @@ TEST(ManyAttributesOfTokens, AreRefusedWhereTheyAre) {
                 tag.substr(0, tag.size() - 1) + AttributeList(kAttributes) + tag.back());
         };
         ExpectOutcome(on("<ds:X509Data>"),
-                      RefusedSyntax("Unexpected attributes on element 'X509Data'"));
+                      RefusedSignatureSyntax("Unexpected attributes on element 'X509Data'"));
         ExpectOutcome(on("<saml:Subject>"),
                       Refused<ParseException>("Unexpected attributes on element 'Subject'"));
         ExpectOutcome(on("<saml:Assertion "),
