@@ -6,9 +6,11 @@
 
 #include <openssl/asn1.h>
 #include <openssl/pem.h>
+#include <openssl/x509v3.h>
 
 #include <cstddef>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace Saml::Xml::Security {
@@ -56,12 +58,26 @@ bool IsDerRsaPublicKey(const ASN1_BIT_STRING& bits) {
     return TakeDerValue(rest, numbers) && rest.size == 0 && TakeDerNatural(numbers) &&
            TakeDerNatural(numbers);
 }
-}  // namespace
 
-CertificateHandle DecodeCertificateDer(const ByteBlob& der) {
-    return CertificateHandle(DecodeDer(der, [](const unsigned char** input, long length) {
+/// Reads a certificate together with what OpenSSL otherwise finds out later and then keeps, its
+/// extensions.
+CertificateHandle Decode(const ByteBlob& der, bool& isWhole) {
+    CertificateHandle certificate(DecodeDer(der, [](const unsigned char** input, long length) {
         return d2i_X509(nullptr, input, length);
     }));
+    isWhole = certificate && X509_check_purpose(certificate.get(), -1, 0) == 1 &&
+              X509_get0_pubkey(certificate.get()) != nullptr;
+    return certificate;
+}
+}  // namespace
+
+// What OpenSSL could not read for want of memory looks like what cannot be read at all, and the
+// certificate keeps the flaw for its life, which for a trusted one is that of its resolver. So what
+// looks flawed is read once more.
+CertificateHandle DecodeCertificateDer(const ByteBlob& der) {
+    bool isWhole = false;
+    CertificateHandle certificate = Decode(der, isWhole);
+    return isWhole ? std::move(certificate) : Decode(der, isWhole);
 }
 
 CertificateHandle ParseCertificateDer(const ByteBlob& der) {
