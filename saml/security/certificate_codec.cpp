@@ -9,6 +9,7 @@
 #include <openssl/x509v3.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -59,15 +60,20 @@ bool IsDerRsaPublicKey(const ASN1_BIT_STRING& bits) {
            TakeDerNatural(numbers);
 }
 
-/// Reads a certificate together with what OpenSSL otherwise finds out later and then keeps, its
-/// extensions.
-CertificateHandle Decode(const ByteBlob& der, bool& isWhole) {
-    CertificateHandle certificate(DecodeDer(der, [](const unsigned char** input, long length) {
+/// True when OpenSSL could make out the certificate's key and extensions, which it does once in the
+/// certificate's life. One that bears its own name has signed itself, or looks as if it had not for
+/// want of memory.
+bool IsWhole(X509& certificate) {
+    if (X509_get0_pubkey(&certificate) == nullptr) return false;
+    if (X509_check_purpose(&certificate, -1, 0) != 1) return false;
+    const std::uint32_t flags = X509_get_extension_flags(&certificate);
+    return (flags & EXFLAG_SI) == 0 || (flags & EXFLAG_SS) != 0;
+}
+
+CertificateHandle Decode(const ByteBlob& der) {
+    return CertificateHandle(DecodeDer(der, [](const unsigned char** input, long length) {
         return d2i_X509(nullptr, input, length);
     }));
-    isWhole = certificate && X509_check_purpose(certificate.get(), -1, 0) == 1 &&
-              X509_get0_pubkey(certificate.get()) != nullptr;
-    return certificate;
 }
 }  // namespace
 
@@ -75,9 +81,8 @@ CertificateHandle Decode(const ByteBlob& der, bool& isWhole) {
 // certificate keeps the flaw for its life, which for a trusted one is that of its resolver. So what
 // looks flawed is read once more.
 CertificateHandle DecodeCertificateDer(const ByteBlob& der) {
-    bool isWhole = false;
-    CertificateHandle certificate = Decode(der, isWhole);
-    return isWhole ? std::move(certificate) : Decode(der, isWhole);
+    CertificateHandle certificate = Decode(der);
+    return certificate && IsWhole(*certificate) ? std::move(certificate) : Decode(der);
 }
 
 CertificateHandle ParseCertificateDer(const ByteBlob& der) {

@@ -3,6 +3,7 @@
 #include "faults/shortages.h"
 
 #include <functional>
+#include <memory>
 #include <set>
 #include <string>
 
@@ -19,6 +20,15 @@ struct FaultyCall {
     /// Drops what `prepare` and `call` made.
     std::function<void()> forget;
 };
+
+/// A call that writes to one result: `before` stands there at first, `tell` says what stands there.
+template <class Result>
+FaultyCall CallFor(std::function<void(Result&)> call,
+                   std::function<std::string(const Result&)> tell, std::function<Result()> before) {
+    const auto result = std::make_shared<Result>();
+    return {[result, before] { *result = before(); }, [result, call] { call(*result); },
+            [result, tell] { return tell(*result); }, [result] { *result = Result(); }};
+}
 
 using Outcomes = std::set<std::string>;
 constexpr char kReturned[] = "returned";
