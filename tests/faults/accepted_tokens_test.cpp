@@ -33,7 +33,7 @@ FaultyCall Bearer(Trust trust) {
     return CallOfText(BearerToken(), UsualResolver(trust));
 }
 FaultyCall HolderOfKey(Trust trust) {
-    return CallOfText(HolderOfKeyToken(), UsualResolver(trust));
+    return CallOfText(HolderOfKeyToken(), NearResolver(trust));
 }
 /// OpenSSL finds things out about a certificate when they are first needed, and keeps them.
 FaultyCall FirstBearer(Trust trust) {

@@ -48,6 +48,10 @@ ResolverPtr UsualResolver(Trust trust) {
     return CreateResolver(trust, {trust == Trust::Chain ? "root" : "leaf"});
 }
 
+ResolverPtr NearResolver(Trust trust) {
+    return CreateResolver(trust, {trust == Trust::Chain ? "intermediate" : "leaf"});
+}
+
 std::string SignedToken(const Forge::TokenSpec& spec, const std::vector<const char*>& sent,
                         const Forge::SignatureSpec& choices) {
     return Forge::Sign(Forge::Write(spec), {KeyNamed("leaf").privateKey, Xml::Security::Ders(sent)},
@@ -71,7 +75,7 @@ FaultyCall CallOfText(const std::string& xml, const ResolverPtr& resolver) {
 FaultyCall FirstCallOf(const std::string& xml, Trust trust) {
     const auto desk = std::make_shared<Desk>(Desk{xml, nullptr, nullptr, nullptr});
     FaultyCall call = CallAt(desk);
-    call.prepare = [desk, trust] { desk->resolver = UsualResolver(trust); };
+    call.prepare = [desk, trust] { desk->resolver = NearResolver(trust); };
     call.forget = [desk] {
         desk->token.reset();
         desk->resolver.reset();

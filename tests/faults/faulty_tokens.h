@@ -17,6 +17,8 @@ using ResolverPtr = boost::intrusive_ptr<Xml::Security::KeyInfoResolver>;
 ResolverPtr CreateResolver(Trust trust, const std::vector<const char*>& trusted);
 /// Trusts "root" or, as a set, "leaf".
 ResolverPtr UsualResolver(Trust trust);
+/// Trusts "intermediate" or, as a set, "leaf": with less to read, it is the quicker one.
+ResolverPtr NearResolver(Trust trust);
 
 /// A token of this form, with the certificates of these names in its `KeyInfo`; none: no `KeyInfo`.
 std::string SignedToken(const Forge::TokenSpec& spec, const std::vector<const char*>& sent,
@@ -25,7 +27,7 @@ std::string SignedToken(const Forge::TokenSpec& spec, const std::vector<const ch
 std::string BearerToken();
 std::string HolderOfKeyToken();
 
-/// `CreateSamlToken` of a text: with the resolver given, or each time with a new one.
+/// `CreateSamlToken` of a text: with the resolver given, or each time with a new `NearResolver`.
 FaultyCall CallOfText(const std::string& xml, const ResolverPtr& resolver);
 FaultyCall FirstCallOf(const std::string& xml, Trust trust);
 /// `CreateSamlTokenFromDom`.
