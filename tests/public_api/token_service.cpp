@@ -42,6 +42,17 @@ std::string Instant(std::int64_t seconds) {
     return instant.value();
 }
 
+/// An assertion to be signed, valid for an hour from now.
+std::string Assertion(const std::string& change, const std::string& by) {
+    std::string xml = AssertionTemplate();
+    const std::int64_t now = std::time(nullptr);
+    ReplaceAll(xml, "@ID@", "_token");
+    ReplaceAll(xml, "@ISSUED@", Instant(now));
+    ReplaceAll(xml, "@EXPIRES@", Instant(now + 3600));
+    ReplaceAll(xml, change, by);
+    return xml;
+}
+
 std::string Canonical(ElementNode* element) {
     boost::intrusive_ptr<Canonicalizer> canonicalizer;
     CreateCanonicalizer(Algorithm::InclusiveC14N, canonicalizer);
@@ -60,38 +71,38 @@ boost::intrusive_ptr<Document> ParseDocument(const std::string& xml) {
     return dynamic_cast<Document*>(document.get());
 }
 
-TokenService::TokenService() {
-    const std::string pem = OutputOf(
-        "openssl req -x509 -newkey rsa:2048 -nodes -keyout - -days 2 "
-        "-subj '/CN=Token service' 2>/dev/null");
+TokenService::TokenService(int bits) {
+    const std::string pem = OutputOf("openssl req -x509 -newkey rsa:" + std::to_string(bits) +
+                                     " -nodes -keyout - -days 2 "
+                                     "-subj '/CN=Token service' 2>/dev/null");
     certificatePem_ = pem.substr(pem.find("-----BEGIN CERTIFICATE"));
     CertificatePEMToBlob(certificatePem_, certificate_);
     PrivateKeyPEMToBlob(pem, privateKey_);
 }
 
 std::string TokenService::Issue(const std::string& change, const std::string& by) const {
-    std::string xml = AssertionTemplate();
-    const std::int64_t now = std::time(nullptr);
-    ReplaceAll(xml, "@ID@", "_token");
-    ReplaceAll(xml, "@ISSUED@", Instant(now));
-    ReplaceAll(xml, "@EXPIRES@", Instant(now + 3600));
-    ReplaceAll(xml, change, by);
+    return Sign(Assertion(change, by), {});
+}
 
+std::string TokenService::Issue(const SigningMethods& methods) const {
+    return Sign(Assertion("", ""), methods);
+}
+
+std::string TokenService::Sign(const std::string& xml, const SigningMethods& methods) const {
     const boost::intrusive_ptr<Document> document = ParseDocument(xml);
     ElementNode* const assertion = document->GetRootElement();
     ElementNode* const placeholder = assertion->GetFirstChildElement("Signature");
 
     boost::intrusive_ptr<Signature> signature;
-    CreateBlankSignature(assertion, Algorithm::ExclusiveC14N, Algorithm::RsaSha256, "ds",
-                         signature);
+    CreateBlankSignature(assertion, Algorithm::ExclusiveC14N, methods.signature, "ds", signature);
     assertion->InsertBefore(signature->GetElement(), placeholder);
     assertion->RemoveChild(placeholder);
 
     boost::intrusive_ptr<SignatureReference> reference;
-    signature->AddReference("#_token", Algorithm::Sha256, reference);
+    signature->AddReference("#_token", methods.digest, reference);
     reference->AddEnvelopedSignatureTransform();
     reference->SetCanonicalizationMethod(Algorithm::ExclusiveC14N);
-    signature->SetKeyInfo({certificate_});
+    if (methods.sendsCertificate) signature->SetKeyInfo({certificate_});
     signature->Sign(privateKey_);
     return Canonical(assertion);
 }

@@ -3,12 +3,12 @@
 // refused or says the same.
 #include "saml/token.h"
 #include "support/test_keys.h"
+#include "support/token_account.h"
 #include "support/token_forge.h"
 
 #include <gtest/gtest.h>
 
 #include <map>
-#include <set>
 #include <string>
 
 namespace {
@@ -24,38 +24,7 @@ class LeafKey final : public Xml::Security::KeyInfoResolver {
 
 /// Everything that a token says, but its text.
 std::string Account(const SamlToken& token) {
-    std::string account;
-    const auto add = [&account](const std::string& part) { account += part + "\n"; };
-    const auto addPrincipal = [&add](const PrincipalId& id) { add(id.Name + "|" + id.Domain); };
-    add(token.GetId());
-    add(DateTime(token.GetStartTime()).value());
-    add(DateTime(token.GetExpirationTime()).value());
-    addPrincipal(token.GetSubject());
-    add(std::string(token.IsRenewable() ? "renewable " : "") +
-        (token.IsDelegable() ? "delegable " : "") + (token.IsSolution() ? "solution" : ""));
-    PersonName name;
-    token.GetPersonName(name);
-    add(name.FirstName + "|" + name.LastName);
-    for (const PrincipalId& group : token.GetGroups())
-        addPrincipal(group);
-    for (DelegateInfo& link : token.GetDelegationChain()) {
-        addPrincipal(link.Delegate);
-        add(link.DelegationInstant.value());
-    }
-    std::set<std::string> audience;
-    token.GetAudience(audience);
-    for (const std::string& one : audience)
-        add(one);
-    for (const Advice& advice : token.GetAdvice()) {
-        add(advice.AdviceSource);
-        for (const SamlAttribute& attribute : advice.Attributes) {
-            add(attribute.Name + attribute.NameFormat + attribute.FriendlyName);
-            for (const std::string& value : attribute.Values)
-                add(value);
-        }
-    }
-    if (token.GetHolderOfKeyCertificate()) add(Base64::Encode(*token.GetHolderOfKeyCertificate()));
-    return account;
+    return Oracle::Told(Oracle::AccountOf(token));
 }
 
 std::string SignedTokenOfEveryKind() {

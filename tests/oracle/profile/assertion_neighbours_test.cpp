@@ -1,7 +1,7 @@
 #include "oracle/profile/assertion_neighbours.h"
 
 #include "oracle/profile/full_assertion.h"
-#include "oracle/profile/token_account.h"
+#include "support/token_account.h"
 #include "oracle/profile/token_prediction.h"
 #include "saml/token.h"
 

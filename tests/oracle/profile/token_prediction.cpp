@@ -3,7 +3,7 @@
 #include "oracle/profile/assertion_grammar.h"
 #include "oracle/profile/grammar_reading.h"
 #include "oracle/profile/plain_values.h"
-#include "oracle/profile/token_account.h"
+#include "support/token_account.h"
 
 #include <ostream>
 

@@ -1,4 +1,4 @@
-#include "oracle/profile/token_account.h"
+#include "support/token_account.h"
 
 #include <sstream>
 
