@@ -1,8 +1,8 @@
 #include "faults/faulty_tokens.h"
 
-#include "oracle/profile/token_account.h"
 #include "support/resolving.h"
 #include "support/test_keys.h"
+#include "support/token_account.h"
 #include "support/token_forge.h"
 
 #include <memory>

@@ -1,7 +1,7 @@
-#include "oracle/profile/token_account.h"
 #include "saml/token.h"
 #include "support/resolving.h"
 #include "support/test_keys.h"
+#include "support/token_account.h"
 #include "support/token_forge.h"
 #include "threads/many_threads.h"
 
