@@ -45,6 +45,8 @@ class NodeImpl : public virtual Node {
 
     /// `AppendChild` for a node that is known to be the library's own.
     void AppendNode(NodeImpl& child);
+    /// The same for one that stands in no tree and has no children; takes the reference over.
+    void AppendNew(boost::intrusive_ptr<NodeImpl> child);
 
     /// Writes this node and its descendants; `indent` is the level, or -1 for compact output.
     virtual void WriteTo(Writer& out, int indent) = 0;
