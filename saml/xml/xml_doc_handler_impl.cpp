@@ -2,7 +2,6 @@
 
 #include "saml/xml/content_nodes_impl.h"
 #include "saml/xml/element_node_impl.h"
-#include "saml/xml/qualified_name.h"
 
 #include <cstring>
 #include <string_view>
@@ -22,6 +21,7 @@ XMLDocHandlerImpl::XMLDocHandlerImpl(std::int64_t maxTotalSize, std::int64_t max
 void XMLDocHandlerImpl::StartDocument(bool enforceLimits, boost::intrusive_ptr<Node>& document) {
     const boost::intrusive_ptr<DocumentImpl> created(new DocumentImpl);
     open_.clear();
+    pool_.Retire();
     limits_.Start(enforceLimits);
     document_ = created;
     document = created;
@@ -34,10 +34,9 @@ void XMLDocHandlerImpl::StartDocument(boost::intrusive_ptr<Node>& document) {
 void XMLDocHandlerImpl::StartElement(const std::string& qualifiedName, unsigned line,
                                      unsigned column, const char** attributes) {
     limits_.CountNode(qualifiedName.size());
-    const QualifiedName name = SplitQualifiedName(qualifiedName);
     boost::intrusive_ptr<ElementNodeImpl> element(
-        new ElementNodeImpl(name.prefix, name.localName, static_cast<std::int32_t>(line),
-                            static_cast<std::int32_t>(column)));
+        new (pool_) ElementNodeImpl(names_.Get(qualifiedName), static_cast<std::int32_t>(line),
+                                    static_cast<std::int32_t>(column)));
     for (const char** attribute = attributes; *attribute != nullptr; attribute += 2) {
         const std::string_view attributeName(attribute[0]);
         const std::string_view value(attribute[1]);
@@ -54,7 +53,7 @@ void XMLDocHandlerImpl::EndElement(const std::string&) {
 
 void XMLDocHandlerImpl::StartCData() {
     limits_.CountNode(0);
-    AddOpen(boost::intrusive_ptr<NodeImpl>(new CDataNodeImpl));
+    AddOpen(boost::intrusive_ptr<NodeImpl>(new (pool_) CDataNodeImpl));
 }
 
 void XMLDocHandlerImpl::EndCData() {
@@ -71,17 +70,18 @@ void XMLDocHandlerImpl::Characters(const char* data, int length) {
         return;
     }
     limits_.CountNode(run.size());
-    AddLeaf(boost::intrusive_ptr<NodeImpl>(new TextNodeImpl(run)));
+    AddLeaf(boost::intrusive_ptr<NodeImpl>(new (pool_) TextNodeImpl(run)));
 }
 
 void XMLDocHandlerImpl::Comment(const std::string& text) {
     limits_.CountNode(text.size());
-    AddLeaf(boost::intrusive_ptr<NodeImpl>(new CommentNodeImpl(text)));
+    AddLeaf(boost::intrusive_ptr<NodeImpl>(new (pool_) CommentNodeImpl(text)));
 }
 
 void XMLDocHandlerImpl::ProcessingInstruction(const std::string& target, const std::string& data) {
     limits_.CountNode(target.size() + data.size());
-    AddLeaf(boost::intrusive_ptr<NodeImpl>(new ProcessingInstructionNodeImpl(target, data)));
+    AddLeaf(
+        boost::intrusive_ptr<NodeImpl>(new (pool_) ProcessingInstructionNodeImpl(target, data)));
 }
 
 void XMLDocHandlerImpl::XmlDeclaration(const std::string& version, const std::string& encoding) {
@@ -93,6 +93,7 @@ void XMLDocHandlerImpl::XmlDeclaration(const std::string& version, const std::st
 
 void XMLDocHandlerImpl::Reset() {
     open_.clear();
+    pool_.Retire();
     document_.reset();
 }
 

@@ -37,6 +37,8 @@ class XMLDocHandlerImpl final : public XMLHandler {
 
     std::vector<NodeImpl*> open_;  ///< Elements and CDATA sections, outermost first.
     boost::intrusive_ptr<DocumentImpl> document_;
+    NodePool pool_;  ///< Of the document under construction.
+    RecentNames names_;
     ParseLimits limits_;
 };
 
