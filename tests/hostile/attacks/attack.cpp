@@ -101,6 +101,10 @@ std::string OutcomeOf(const std::string& token, const Resolver& trust, std::int6
     return byText;
 }
 
+std::string OutcomeOf(Xml::ElementNode& assertion, const Resolver& trust) {
+    return Observed([&] { return CreateSamlTokenFromDom(&assertion, trust.get()); });
+}
+
 void ExpectOutcomes(const std::vector<Attack>& attacks) {
     std::set<std::string> names;
     for (const Attack& attack : attacks) {
