@@ -44,6 +44,10 @@ struct Attack {
     std::int64_t tolerance = DefaultClockTolerance;
 };
 
+/// What comes of `token` by text alone: for many tokens.
+std::string OutcomeByText(const std::string& token, const Resolver& trust,
+                          std::int64_t tolerance = DefaultClockTolerance);
+
 /// What comes of `token`: by text and by document, which must be the same.
 std::string OutcomeOf(const std::string& token, const Resolver& trust,
                       std::int64_t tolerance = DefaultClockTolerance);
