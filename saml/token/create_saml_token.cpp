@@ -61,10 +61,11 @@ std::shared_ptr<const SamlToken> CreateSamlToken(const std::string& xml, KeyInfo
                                                  std::int64_t tolerance) {
     if (resolver == nullptr) throw InvalidArgumentException(kNoResolver);
     boost::intrusive_ptr<Xml::Document> document = Xml::ParseDocument(xml);
+    std::string kept = xml;  // now: the resolver is the caller's, and may change what is theirs
     auto& root = *CheckedCast<Xml::ElementNodeImpl>(document->GetRootElement());
     ParsedAssertion assertion = ReadVerified(root, *resolver, tolerance);
-    document.reset();  // before the text is copied: a big token is not held in three forms
-    return MakeToken(xml, std::move(assertion));
+    document.reset();  // a big token is not held in three forms
+    return MakeToken(std::move(kept), std::move(assertion));
 }
 
 std::shared_ptr<const SamlToken> CreateSamlToken(const std::string& xml,

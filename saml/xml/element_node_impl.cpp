@@ -7,11 +7,21 @@
 
 namespace Saml::Xml {
 
+namespace {
+
+// A function of its own: GCC 12 leaks what a constructor that throws was to fill, when it is made
+// among the arguments of a delegating constructor.
+ElementNamePtr MakeElementName(std::string_view prefix, std::string_view localName) {
+    return ElementNamePtr(new ElementName(prefix, localName));
+}
+
+}  // namespace
+
 const AttributeMap ElementNodeImpl::kNoAttributes;
 
 ElementNodeImpl::ElementNodeImpl(std::string_view prefix, std::string_view localName,
                                  std::int32_t line, std::int32_t column)
-    : ElementNodeImpl(ElementNamePtr(new ElementName(prefix, localName)), line, column) {}
+    : ElementNodeImpl(MakeElementName(prefix, localName), line, column) {}
 
 ElementNodeImpl::ElementNodeImpl(ElementNamePtr name, std::int32_t line,
                                  std::int32_t column) noexcept
@@ -35,7 +45,7 @@ void ElementNodeImpl::SetLocalName(const std::string& localName) {
 
 // A name that nobody else has is changed where it stands.
 ElementName& ElementNodeImpl::OwnName() {
-    if (name_->use_count() != 1) name_ = new ElementName(Prefix(), LocalName());
+    if (name_->use_count() != 1) name_ = MakeElementName(Prefix(), LocalName());
     return *name_;
 }
 
