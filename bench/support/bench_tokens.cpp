@@ -32,8 +32,12 @@ Provider MakeProvider() {
                kAuthority});
     const TestKeys::Certificate& leaf =
         Issue({"bench-leaf", "Bench Signer", "bench-leaf", "bench-intermediate", kSigner});
-    return {root.der,          intermediate.der, leaf.der,     leaf.key->publicKey,
-            leaf.key->privateKey, root.pemPath,  leaf.pemPath, leaf.key->pemPath};
+    return {root.der,
+            intermediate.der,
+            leaf.der,
+            leaf.key->publicKey,
+            leaf.key->privateKey,
+            {root.pemPath, intermediate.pemPath, leaf.pemPath, leaf.key->pemPath}};
 }
 
 Forge::TokenSpec SpecOf(std::size_t groups) {
@@ -44,7 +48,8 @@ Forge::TokenSpec SpecOf(std::size_t groups) {
     for (std::size_t i = 0; i != groups; ++i)
         attribute.values.push_back("corp.example\\Members of department no. " + std::to_string(i) +
                                    " and its guests");
-    spec.attributes = {{ProfileUri::GivenName, {"Jane"}}, {ProfileUri::Surname, {"Doe"}}, attribute};
+    spec.attributes = {
+        {ProfileUri::GivenName, {"Jane"}}, {ProfileUri::Surname, {"Doe"}}, attribute};
     return spec;
 }
 
@@ -73,8 +78,8 @@ Token MakeToken(std::size_t groups) {
     const Provider& provider = TheProvider();
     Token token;
     token.unsignedXml = Forge::Write(SpecOf(groups));
-    token.xml =
-        Forge::Sign(token.unsignedXml, {provider.privateKey, {provider.leaf, provider.intermediate}});
+    token.xml = Forge::Sign(token.unsignedXml,
+                            {provider.privateKey, {provider.leaf, provider.intermediate}});
 
     const boost::intrusive_ptr<Xml::Document> document = Forge::Parse(token.xml);
     Xml::ElementNode& assertion = *document->GetRootElement();
@@ -82,11 +87,23 @@ Token MakeToken(std::size_t groups) {
     token.canonicalSignedInfo = Canonical(&Child(signature, "SignedInfo"));
     Xml::Node* const value = Child(signature, "SignatureValue").GetFirstChild();
     std::string error;
-    token.signatureValue =
-        Base64::Decode(dynamic_cast<Xml::TextNode&>(*value).GetText(), error);
+    token.signatureValue = Base64::Decode(dynamic_cast<Xml::TextNode&>(*value).GetText(), error);
     assertion.RemoveChild(&signature);
     token.canonicalAssertion = Canonical(&assertion);
     return token;
+}
+
+std::string Tampered(const Token& token) {
+    const std::string member = "department no. 7 ";
+    const std::size_t place = token.xml.find(member);
+    if (place == std::string::npos) throw std::runtime_error("no " + member);
+    return std::string(token.xml).replace(place, member.size(), "department no. 9 ");
+}
+
+std::string SignedByStranger(const Token& token) {
+    const TestKeys::Certificate& stranger =
+        TestKeys::Issue({"bench-stranger", "Bench Signer", "bench-stranger", nullptr, kSigner});
+    return Forge::Sign(token.unsignedXml, {stranger.key->privateKey, {stranger.der}});
 }
 
 }  // namespace Bench

@@ -1,11 +1,12 @@
 #include "support/floor.h"
 
-#include <algorithm>
 #include <expat.h>
-#include <memory>
 #include <openssl/evp.h>
 #include <openssl/x509.h>
 #include <openssl/x509_vfy.h>
+
+#include <algorithm>
+#include <memory>
 #include <stdexcept>
 #include <string>
 
@@ -63,23 +64,24 @@ void Tokenize(const std::string& xml) {
 void Digest(const std::string& canonical) {
     unsigned char digest[EVP_MAX_MD_SIZE];
     unsigned size = 0;
-    Require(EVP_Digest(canonical.data(), canonical.size(), digest, &size, EVP_sha256(), nullptr) == 1,
-            "EVP_Digest");
+    Require(
+        EVP_Digest(canonical.data(), canonical.size(), digest, &size, EVP_sha256(), nullptr) == 1,
+        "EVP_Digest");
 }
 
 void VerifySignature(const Token& token) {
     const std::vector<unsigned char>& key = *TheProvider().publicKey;
     const unsigned char* bytes = key.data();
     const Owned<EVP_PKEY> decoded(
-        d2i_PublicKey(EVP_PKEY_RSA, nullptr, &bytes, static_cast<long>(key.size())), &EVP_PKEY_free);
+        d2i_PublicKey(EVP_PKEY_RSA, nullptr, &bytes, static_cast<long>(key.size())),
+        &EVP_PKEY_free);
     const Owned<EVP_MD_CTX> context(EVP_MD_CTX_new(), &EVP_MD_CTX_free);
     Require(EVP_DigestInit_ex(context.get(), EVP_sha256(), nullptr) == 1, "EVP_DigestInit_ex");
     Require(EVP_DigestUpdate(context.get(), token.canonicalSignedInfo.data(),
                              token.canonicalSignedInfo.size()) == 1,
             "EVP_DigestUpdate");
     Require(EVP_VerifyFinal(context.get(), token.signatureValue.data(),
-                            static_cast<unsigned>(token.signatureValue.size()),
-                            decoded.get()) == 1,
+                            static_cast<unsigned>(token.signatureValue.size()), decoded.get()) == 1,
             "EVP_VerifyFinal");
 }
 

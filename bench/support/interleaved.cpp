@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <ctime>
+#include <numeric>
+#include <random>
 
 namespace Bench {
 namespace {
@@ -20,28 +23,41 @@ double PerRun(const Work& work, long count) {
     return (CpuSeconds() - start) / static_cast<double>(count);
 }
 
-double Median(std::vector<double> values) {
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
+}  // namespace
+
+double Figures::Median(const std::string& work) const {
+    std::vector<double> figures = figures_.at(work);
+    const auto middle = figures.begin() + static_cast<std::ptrdiff_t>(figures.size() / 2);
+    std::nth_element(figures.begin(), middle, figures.end());
     return *middle;
 }
 
-}  // namespace
+std::vector<double> Figures::Ratios(const std::string& over, const std::string& under) const {
+    const std::vector<double>& overs = figures_.at(over);
+    const std::vector<double>& unders = figures_.at(under);
+    std::vector<double> ratios;
+    std::transform(overs.begin(), overs.end(), unders.begin(), std::back_inserter(ratios),
+                   std::divides<>());
+    std::sort(ratios.begin(), ratios.end());
+    return ratios;
+}
 
-std::vector<double> Interleaved(const std::vector<Work>& works, int rounds, double turn) {
+Figures Interleaved(const std::vector<Work>& works, int rounds, double turn) {
     std::vector<long> counts;
     for (const Work& work : works) {
         PerRun(work, 1);  // whatever is made at the first use
         counts.push_back(std::max(1L, std::lround(std::ceil(turn / PerRun(work, 1)))));
     }
-    std::vector<std::vector<double>> seconds(works.size());
-    for (int round = 0; round != rounds; ++round)
-        for (std::size_t i = 0; i != works.size(); ++i)
-            seconds[i].push_back(PerRun(works[i], counts[i]));
-    std::vector<double> medians;
-    for (const std::vector<double>& each : seconds)
-        medians.push_back(Median(each));
-    return medians;
+    std::vector<std::size_t> order(works.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::mt19937 dice;  // the same orders every time
+    Figures seconds;
+    for (int round = 0; round != rounds; ++round) {
+        std::shuffle(order.begin(), order.end(), dice);
+        for (const std::size_t i : order)
+            seconds.Of(works[i].name).push_back(PerRun(works[i], counts[i]));
+    }
+    return seconds;
 }
 
 }  // namespace Bench
