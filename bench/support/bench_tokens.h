@@ -30,7 +30,7 @@ struct Token {
     std::vector<unsigned char> signatureValue;
 };
 
-/// A token with so many group values: 20 make one of 7.6 KB, 1,000 of 110 KB, 20,000 of 2 MB.
+/// A token with so many group values: 20 make one of 7 KB, 1,000 of 105 KB, 20,000 of 2 MB.
 Token MakeToken(std::size_t groups);
 
 /// The same token with another name in one of its groups.
