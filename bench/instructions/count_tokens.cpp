@@ -4,6 +4,7 @@
 #include "support/bench_tokens.h"
 #include "support/floor.h"
 #include "support/our_works.h"
+#include "support/sizes.h"
 
 #include <cstddef>
 #include <cstdlib>
@@ -67,7 +68,7 @@ extern "C" void arc4random_buf(void* bytes, size_t size) noexcept {
 
 int main() {
     try {
-        for (const std::size_t groups : {20, 1000, 20000})
+        for (const std::size_t groups : kSizes)
             CountAll(groups);
         return 0;
     } catch (const std::exception& failure) {
