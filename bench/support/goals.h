@@ -18,9 +18,14 @@ struct Goal {
     double limit;       ///< is to be at most this.
 };
 
-/// One row for each goal: the median ratio over the rounds, the quartiles, and whether it is met. A
-/// ratio with a figure that is missing is said not to have been measured.
-/// \return How many were missed.
+/// The head of a table of goals.
+constexpr char kGoalsHead[] =
+    "| what | against | ratio | quartiles | of the best rounds | goal | |\n"
+    "|---|---|---|---|---|---|---|\n";
+
+/// One row for each goal: the median ratio over the rounds, the quartiles, the ratio of the rounds
+/// that were disturbed least, and whether it is met, which the median decides. A ratio with a
+/// figure that is missing is said not to have been measured. \return How many were missed.
 int PrintGoals(const std::vector<Goal>& goals, const Figures& figures, std::ostream& out);
 
 }  // namespace Bench

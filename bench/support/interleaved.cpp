@@ -32,6 +32,11 @@ double Figures::Median(const std::string& work) const {
     return *middle;
 }
 
+double Figures::Lowest(const std::string& work) const {
+    const std::vector<double>& figures = figures_.at(work);
+    return *std::min_element(figures.begin(), figures.end());
+}
+
 std::vector<double> Figures::Ratios(const std::string& over, const std::string& under) const {
     const std::vector<double>& overs = figures_.at(over);
     const std::vector<double>& unders = figures_.at(under);

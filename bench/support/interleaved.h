@@ -19,6 +19,7 @@ class Figures {
     bool Has(const std::string& work) const { return figures_.count(work) != 0; }
 
     double Median(const std::string& work) const;
+    double Lowest(const std::string& work) const;
     /// The ratio `over` : `under` in each round, in ascending order: the middle one is the answer,
     /// the others tell how sure it is.
     std::vector<double> Ratios(const std::string& over, const std::string& under) const;
