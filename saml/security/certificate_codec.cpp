@@ -6,9 +6,12 @@
 
 #include <openssl/asn1.h>
 #include <openssl/pem.h>
+#include <openssl/x509v3.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace Saml::Xml::Security {
@@ -56,12 +59,30 @@ bool IsDerRsaPublicKey(const ASN1_BIT_STRING& bits) {
     return TakeDerValue(rest, numbers) && rest.size == 0 && TakeDerNatural(numbers) &&
            TakeDerNatural(numbers);
 }
-}  // namespace
 
-CertificateHandle DecodeCertificateDer(const ByteBlob& der) {
+/// True when OpenSSL could make out the certificate's key and extensions, which it does once in the
+/// certificate's life. One that bears its own name has signed itself, or looks as if it had not for
+/// want of memory.
+bool IsWhole(X509& certificate) {
+    if (X509_get0_pubkey(&certificate) == nullptr) return false;
+    if (X509_check_purpose(&certificate, -1, 0) != 1) return false;
+    const std::uint32_t flags = X509_get_extension_flags(&certificate);
+    return (flags & EXFLAG_SI) == 0 || (flags & EXFLAG_SS) != 0;
+}
+
+CertificateHandle Decode(const ByteBlob& der) {
     return CertificateHandle(DecodeDer(der, [](const unsigned char** input, long length) {
         return d2i_X509(nullptr, input, length);
     }));
+}
+}  // namespace
+
+// What OpenSSL could not read for want of memory looks like what cannot be read at all, and the
+// certificate keeps the flaw for its life, which for a trusted one is that of its resolver. So what
+// looks flawed is read once more.
+CertificateHandle DecodeCertificateDer(const ByteBlob& der) {
+    CertificateHandle certificate = Decode(der);
+    return certificate && IsWhole(*certificate) ? std::move(certificate) : Decode(der);
 }
 
 CertificateHandle ParseCertificateDer(const ByteBlob& der) {

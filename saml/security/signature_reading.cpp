@@ -61,8 +61,10 @@ void SignatureImpl::ReadSignedInfo(ElementNodeImpl& signedInfo,
     canonicalizationMethod_ = ReadMethod(child, "CanonicalizationMethod", namespaces);
     signatureMethod_ = ReadMethod(child, "SignatureMethod", namespaces);
     do {
-        references_.emplace_back(
+        // Owned before the list asks for memory, which may not be there.
+        const boost::intrusive_ptr<SignatureReferenceImpl> reference(
             new SignatureReferenceImpl(context_, *root_, AsElement(child.Current()), namespaces));
+        references_.push_back(reference);
         child.MoveToNextSibling();
     } while (child.Current() != nullptr);
     signedInfo_ = &signedInfo;

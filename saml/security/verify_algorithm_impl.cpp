@@ -23,6 +23,9 @@ bool VerifyAlgorithmImpl::Verify(const unsigned char* data, std::size_t length,
     const DigestContextHandle context(EVP_MD_CTX_new());
     if (!context || EVP_VerifyInit_ex(context.get(), &method, nullptr) != 1)
         throw CryptoException(kInitializationFailed);
+    // Without a copy of the context, which it is not always able to make and then answers as for a
+    // wrong signature.
+    EVP_MD_CTX_set_flags(context.get(), EVP_MD_CTX_FLAG_FINALISE);
     if (EVP_VerifyUpdate(context.get(), data, length) != 1)
         throw CryptoException(kVerificationFailed);
 

@@ -7,12 +7,14 @@
 #include "saml/security/sign_algorithm_impl.h"
 #include "saml/security/trust_chain_resolver.h"
 #include "saml/security/trust_set_resolver.h"
+#include "saml/security/trusted_certificates.h"
 #include "saml/security/verify_algorithm_impl.h"
 #include "support/resolving.h"
 #include "support/test_keys.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <openssl/x509v3.h>
 
 #include <list>
 #include <new>
@@ -175,6 +177,22 @@ TEST(ShortageOfMemory, MakesThePemOfAPublicKeyEmpty) {
     EXPECT_EQ(results, (std::set<std::string>{"", KeyNamed("root").publicPem}));
 }
 
+TEST(ShortageOfMemory, LeavesNoCertificateHalfRead) {
+    // A flaw stays with the certificate: a resolver would never trust it, nor find its key.
+    for (const char* const name : {"root", "leaf", "ec-self-signed"}) {
+        SCOPED_TRACE(name);
+        const ByteBlob& der = CertificateNamed(name).der;
+        const auto flags = X509_get_extension_flags(DecodeCertificateDer(der).get());
+        const auto call = [&der, flags] {
+            const CertificateHandle certificate = DecodeCertificateDer(der);
+            ASSERT_NE(certificate, nullptr);
+            EXPECT_NE(X509_get0_pubkey(certificate.get()), nullptr);
+            EXPECT_EQ(X509_get_extension_flags(certificate.get()), flags);
+        };
+        EXPECT_EQ(OutcomesOf(Extent::Once, call), Outcomes{""});
+    }
+}
+
 TEST(ShortageOfMemory, DoesNotMatterWhereAnRsaKeyIsTakenOutOfItsCertificate) {
     const CertificateHandle certificate = ParseCertificateDer(CertificateNamed("leaf").der);
     EXPECT_EQ(OutcomesOf(Extent::Onwards, [&] { EncodePublicKeyOf(*certificate); }), Outcomes());
@@ -193,6 +211,13 @@ TEST_P(ShortageOf, MemoryNeverVerifiesAWrongSignature) {
          "Crypto Exception: Invalid or unsupported format of the public key",
          "Crypto Exception: Signature verification failed"});
     EXPECT_FALSE(everVerified);
+}
+
+TEST_P(ShortageOf, MemoryNeverMakesAnExpiredCertificateCurrent) {
+    const CertificateHandle expired = ParseCertificateDer(CertificateNamed("expired-leaf").der);
+    bool everCurrent = IsCurrent(*expired);
+    EXPECT_EQ(OutcomesOf(GetParam(), [&] { everCurrent |= IsCurrent(*expired); }), Outcomes());
+    EXPECT_FALSE(everCurrent);
 }
 
 /// The keys that come up while OpenSSL is short of memory. What it then cannot parse counts as

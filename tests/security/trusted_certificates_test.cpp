@@ -99,6 +99,8 @@ INSTANTIATE_TEST_SUITE_P(
                     PeriodCase{"UnreadableBeginning", "209901000000Z", "491231235959Z", true},
                     PeriodCase{"UnreadableEnd", "200101000000Z", "499901000000Z", true},
                     PeriodCase{"UnreadableBoth", "garbage", "", true},
+                    PeriodCase{"EndWithoutSeconds", "200101000000Z", "1101010000Z", true},
+                    PeriodCase{"EndInAnotherZone", "200101000000Z", "110101000000+0100", true},
                     PeriodCase{"UnreadableBeginningExpired", "209901000000Z", "110101000000Z",
                                false},
                     PeriodCase{"UnreadableEndNotYetValid", "480101000000Z", "garbage", false}),

@@ -2,35 +2,28 @@
 
 #include <openssl/crypto.h>
 
+#include <atomic>
 #include <cstdlib>
-#include <limits>
 
 namespace Saml::FailingOpenSsl {
 namespace {
-constexpr std::size_t kNever = std::numeric_limits<std::size_t>::max();
-
-struct Plan {
-    std::size_t allocations = 0;
-    std::size_t first = kNever;
-    std::size_t last = kNever;
-    bool wasFelt = false;
-};
-thread_local Plan plan;
-
-bool Fails() noexcept {
-    const std::size_t number = plan.allocations++;
-    if (number < plan.first || number > plan.last) return false;
-    plan.wasFelt = true;
-    return true;
-}
+thread_local AllocationPlan plan;
+std::atomic<std::int64_t> live{0};
 
 void* Allocate(std::size_t size, const char*, int) {
-    return Fails() ? nullptr : std::malloc(size);
+    if (plan.Fails()) return nullptr;
+    void* const allocation = std::malloc(size);
+    if (allocation != nullptr) ++live;
+    return allocation;
 }
 void* Reallocate(void* old, std::size_t size, const char*, int) {
-    return Fails() ? nullptr : std::realloc(old, size);
+    if (plan.Fails()) return nullptr;
+    void* const allocation = std::realloc(old, size);
+    if (old == nullptr && allocation != nullptr) ++live;
+    return allocation;
 }
 void Release(void* allocation, const char*, int) {
+    if (allocation != nullptr) --live;
     std::free(allocation);
 }
 
@@ -38,9 +31,13 @@ void Release(void* allocation, const char*, int) {
 [[maybe_unused]] const int kInstalled = CRYPTO_set_mem_functions(Allocate, Reallocate, Release);
 }  // namespace
 
-Shortage::Shortage(std::size_t number, Extent extent) noexcept {
-    plan = {0, number, extent == Extent::Once ? number : kNever, false};
+AllocationPlan& PlanOfOpenSsl() noexcept {
     if (kInstalled != 1) std::abort();
+    return plan;
+}
+
+Shortage::Shortage(std::size_t number, Extent extent) noexcept {
+    PlanOfOpenSsl() = AllocationPlan(number, extent);
 }
 
 Shortage::~Shortage() {
@@ -49,6 +46,10 @@ Shortage::~Shortage() {
 
 bool Shortage::WasFelt() const noexcept {
     return plan.wasFelt;
+}
+
+std::int64_t LiveAllocations() noexcept {
+    return live;
 }
 
 }  // namespace Saml::FailingOpenSsl

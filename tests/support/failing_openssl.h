@@ -1,6 +1,9 @@
 #pragma once
 
+#include "support/allocation_plan.h"
+
 #include <cstddef>
+#include <cstdint>
 #include <exception>
 #include <set>
 #include <string>
@@ -13,7 +16,7 @@ namespace Saml::FailingOpenSsl {
 /// its birth, fails, and with `onwards` every later one as well.
 class Shortage {
   public:
-    enum class Extent { Once, Onwards };
+    using Extent = ::Extent;
     Shortage(std::size_t number, Extent extent) noexcept;
     ~Shortage();
     Shortage(const Shortage&) = delete;
@@ -22,6 +25,12 @@ class Shortage {
     /// True when an allocation failed.
     bool WasFelt() const noexcept;
 };
+
+/// Which of OpenSSL's allocations on this thread fail.
+AllocationPlan& PlanOfOpenSsl() noexcept;
+
+/// How many of OpenSSL's allocations nobody has released yet, those of its caches among them.
+std::int64_t LiveAllocations() noexcept;
 
 /// Runs `action` again and again, letting a later allocation fail each time, until none is left to
 /// fail. Gives every message that it threw, and "" when it did not throw in spite of a failure.

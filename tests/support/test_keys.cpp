@@ -140,6 +140,7 @@ const std::map<std::string, std::string> kKeyKinds = {
     {"rsa1024", "-algorithm RSA -pkeyopt rsa_keygen_bits:1024"},
     {"rsa3072", "-algorithm RSA -pkeyopt rsa_keygen_bits:3072"},
     {"rsa4096", "-algorithm RSA -pkeyopt rsa_keygen_bits:4096"},
+    {"rsa-3", "-algorithm RSA -pkeyopt rsa_keygen_bits:2048 -pkeyopt rsa_keygen_pubexp:3"},
     {"rsa-pss", "-algorithm RSA-PSS -pkeyopt rsa_keygen_bits:1024"},
     {"ec", "-algorithm EC -pkeyopt ec_paramgen_curve:P-256"},
     {"ed25519", "-algorithm ED25519"},

@@ -34,7 +34,8 @@ struct Key {
 /// The key with this name: "ec" (P-256), "ed25519", "rsa-pss", or RSA: with as many bits as
 /// "rsa512", "rsa1024", "rsa3072" and "rsa4096" say, with 1024 bits for those of the certificates
 /// in the table of test_keys.cpp ("root", "intermediate", "lower", "leaf", "attacker"), with 2048
-/// bits for any other name. Making 4096 bits takes seconds.
+/// bits for any other name. Making 4096 bits takes seconds. The public exponent is 65537, of
+/// "rsa-3" it is 3.
 const Key& KeyNamed(const std::string& name);
 
 struct Certificate {

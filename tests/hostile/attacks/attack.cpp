@@ -90,15 +90,22 @@ std::string RefusedAsUncovered() {
     return Refused<ParseException>("Token's signature must cover the entire token");
 }
 
+std::string OutcomeByText(const std::string& token, const Resolver& trust, std::int64_t tolerance) {
+    return Observed([&] { return CreateSamlToken(token, trust.get(), tolerance); });
+}
+
 std::string OutcomeOf(const std::string& token, const Resolver& trust, std::int64_t tolerance) {
-    const std::string byText =
-        Observed([&] { return CreateSamlToken(token, trust.get(), tolerance); });
+    const std::string byText = OutcomeByText(token, trust, tolerance);
     const std::string byDocument = Observed([&] {
         const boost::intrusive_ptr<Xml::Document> document = Forge::Parse(token);
         return CreateSamlTokenFromDom(document->GetRootElement(), trust.get(), tolerance);
     });
     EXPECT_EQ(byDocument, byText) << "the two entries differ";
     return byText;
+}
+
+std::string OutcomeOf(Xml::ElementNode& assertion, const Resolver& trust) {
+    return Observed([&] { return CreateSamlTokenFromDom(&assertion, trust.get()); });
 }
 
 void ExpectOutcomes(const std::vector<Attack>& attacks) {

@@ -44,9 +44,16 @@ struct Attack {
     std::int64_t tolerance = DefaultClockTolerance;
 };
 
+/// What comes of `token` by text alone: for many tokens.
+std::string OutcomeByText(const std::string& token, const Resolver& trust,
+                          std::int64_t tolerance = DefaultClockTolerance);
+
 /// What comes of `token`: by text and by document, which must be the same.
 std::string OutcomeOf(const std::string& token, const Resolver& trust,
                       std::int64_t tolerance = DefaultClockTolerance);
+
+/// What comes of an assertion that stands somewhere in a document.
+std::string OutcomeOf(Xml::ElementNode& assertion, const Resolver& trust);
 
 /// Tries each of the attacks, whose names must differ; prints and records how many there were.
 void ExpectOutcomes(const std::vector<Attack>& attacks);

@@ -44,6 +44,22 @@ std::string Signed(const Forge::TokenSpec& spec, const Forge::SignatureSpec& cho
     return Signed(Forge::Write(spec), choices);
 }
 
+void SignInPlace(Xml::ElementNode& assertion, const std::vector<std::string>& uris) {
+    using namespace Xml::Security;
+    boost::intrusive_ptr<Signature> signature;
+    CreateBlankSignature(&assertion, Algorithm::ExclusiveC14N, Algorithm::RsaSha256, "ds",
+                         signature);
+    assertion.InsertAfter(signature->GetElement(), assertion.GetFirstChildElement("Issuer"));
+    for (const std::string& uri : uris) {
+        boost::intrusive_ptr<SignatureReference> reference;
+        signature->AddReference(uri, Algorithm::Sha256, reference);
+        reference->AddEnvelopedSignatureTransform();
+        reference->SetCanonicalizationMethod(Algorithm::ExclusiveC14N);
+    }
+    signature->SetKeyInfo(Certificates({"leaf", "intermediate"}));
+    signature->Sign(TestKeys::KeyNamed("leaf").privateKey);
+}
+
 const Resolver& TrustInTheRoot() {
     static const Resolver resolver = TrustChain({"root"});
     return resolver;

@@ -3,6 +3,7 @@
 #include "hostile/attacks/attack.h"
 
 #include <string>
+#include <vector>
 
 /// The identity provider whom everybody trusts, and one of its customers, whom nobody should be
 /// able to pass for somebody else.
@@ -16,6 +17,9 @@ Forge::TokenSpec CustomerSpec();
 /// certificate and the one above it.
 std::string Signed(const std::string& xml, const Forge::SignatureSpec& choices = {});
 std::string Signed(const Forge::TokenSpec& spec, const Forge::SignatureSpec& choices = {});
+
+/// Signs an assertion where it stands, with references to each of these URIs.
+void SignInPlace(Xml::ElementNode& assertion, const std::vector<std::string>& uris);
 
 /// A chain resolver that trusts the root above the signer.
 const Resolver& TrustInTheRoot();

@@ -1,5 +1,6 @@
 #include "support/canonical_forms.h"
 
+#include "oracle/canonicalization/greater_than_signs.h"
 #include "oracle/canonicalization/libxml2_canonicalizer.h"
 #include "oracle/canonicalization/random_trees.h"
 #include "oracle/canonicalization/tree_features.h"
@@ -19,31 +20,12 @@
 namespace Saml::Xml::Security {
 namespace {
 
+using LibXml2::WithGreaterThanSignsEscaped;
 using RandomTrees::CDataSections;
 
 constexpr std::uint64_t kUsualSeed = 20010315;
 constexpr std::size_t kShards = 10;
 constexpr std::size_t kTreesOfAShard = 2000;
-
-/// The one known replacement (">" is escaped in attribute values) made in a canonical form of the
-/// recommendation. In such a form "<" is always the beginning of a tag, and within a start tag
-/// quotation marks stand around values only.
-std::string WithGreaterThanSignsEscaped(const std::string& form) {
-    std::string escaped;
-    bool inTag = false;
-    bool inValue = false;
-    for (const char byte : form) {
-        if (inValue && byte == '>') {
-            escaped += "&gt;";
-            continue;
-        }
-        if (byte == '<') inTag = true;
-        if (inTag && byte == '"') inValue = !inValue;
-        if (byte == '>') inTag = false;
-        escaped += byte;
-    }
-    return escaped;
-}
 
 std::vector<ElementNode*> ElementsOf(Document& document) {
     std::vector<ElementNode*> elements;
