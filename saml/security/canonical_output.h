@@ -3,7 +3,9 @@
 #include "saml/foundations.h"
 #include "saml/foundations/checked_narrowing.h"
 
-#include <string>
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <string_view>
 
 namespace Saml::Xml::Security {
@@ -11,32 +13,35 @@ namespace Saml::Xml::Security {
 /// Gathers the many short pieces of canonical output into few long writes.
 class CanonicalOutput {
   public:
-    explicit CanonicalOutput(Writer& writer) : writer_(writer) {}
+    explicit CanonicalOutput(Writer& writer) noexcept : writer_(writer) {}
 
     void Append(char byte) {
-        pending_.push_back(byte);
-        if (pending_.size() >= kLongEnough) Flush();
+        if (size_ == pending_.size()) Flush();
+        pending_[size_++] = byte;
     }
     void Append(std::string_view run) {
-        if (run.size() >= kLongEnough) {
+        if (run.size() > pending_.size() - size_) {
             Flush();
-            WriteRun(writer_, run);
-            return;
+            if (run.size() > pending_.size()) {
+                WriteRun(writer_, run);
+                return;
+            }
         }
-        pending_.append(run);
-        if (pending_.size() >= kLongEnough) Flush();
+        std::copy(run.begin(), run.end(), pending_.begin() + static_cast<std::ptrdiff_t>(size_));
+        size_ += run.size();
     }
     /// Writes what is pending; the last call, without which output is lost.
     void Flush() {
-        WriteRun(writer_, pending_);
-        pending_.clear();
+        WriteRun(writer_, {pending_.data(), size_});
+        size_ = 0;
     }
 
   private:
-    static constexpr std::size_t kLongEnough = std::size_t{64} * 1024;
+    static constexpr std::size_t kPendingSize = 4096;  // it may stand on a small stack
 
     Writer& writer_;
-    std::string pending_;
+    std::size_t size_ = 0;
+    std::array<char, kPendingSize> pending_;  // NOLINT: what is not written is not read
 };
 
 }  // namespace Saml::Xml::Security

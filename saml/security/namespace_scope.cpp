@@ -19,16 +19,25 @@ void NamespaceScope::DeclareInherited(std::string_view prefix, const std::string
     if (binding.inScope == nullptr) binding.inScope = &uri;
 }
 
+NamespaceScope::Binding* NamespaceScope::FindBinding(std::string_view prefix) const {
+    if (last_ == nullptr || last_->first != prefix) {
+        const auto found = bindings_.find(prefix);
+        if (found == bindings_.end()) return nullptr;
+        last_ = &*found;  // bindings are never taken out
+    }
+    return &last_->second;
+}
+
 const std::string* NamespaceScope::Find(std::string_view prefix) const {
-    const auto found = bindings_.find(prefix);
-    return found != bindings_.end() ? found->second.inScope : nullptr;
+    const Binding* const binding = FindBinding(prefix);
+    return binding != nullptr ? binding->inScope : nullptr;
 }
 
 const std::string* NamespaceScope::Render(std::string_view prefix) {
-    const auto found = bindings_.find(prefix);
-    if (found == bindings_.end() || found->second.inScope == nullptr) return nullptr;
+    Binding* const found = FindBinding(prefix);
+    if (found == nullptr || found->inScope == nullptr) return nullptr;
 
-    Binding& binding = found->second;
+    Binding& binding = *found;
     if (binding.rendered != nullptr && *binding.rendered == *binding.inScope) return nullptr;
     // An empty default declaration is needed only to undo a default that the output declared.
     const bool undeclaresNothing =

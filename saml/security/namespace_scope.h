@@ -4,6 +4,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace Saml::Xml::Security {
@@ -50,9 +51,13 @@ class NamespaceScope {
         Binding before;
     };
 
+    /// Null when nobody has declared `prefix` yet.
+    Binding* FindBinding(std::string_view prefix) const;
     void Remember(Binding& binding) { undo_.push_back({&binding, binding}); }
 
-    std::map<std::string_view, Binding> bindings_;
+    mutable std::map<std::string_view, Binding> bindings_;
+    /// The one that was asked for last: most elements of a document share a prefix.
+    mutable std::pair<const std::string_view, Binding>* last_ = nullptr;
     std::vector<Change> undo_;
     std::vector<std::size_t> marks_;
 };

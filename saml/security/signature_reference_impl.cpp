@@ -7,10 +7,6 @@ std::string Unresolved(const std::string& uri) {
     return "The URI could not be resolved: " + uri;
 }
 
-const unsigned char* BytesOf(const std::string& text) {
-    return reinterpret_cast<const unsigned char*>(text.data());
-}
-
 }  // namespace
 
 ElementNode* SignatureReferenceImpl::GetReferent() {
@@ -49,23 +45,20 @@ const NodeImpl* SignatureReferenceImpl::EnclosingSignature() const noexcept {
     return signedInfo != nullptr ? signedInfo->Parent() : nullptr;
 }
 
-std::string SignatureReferenceImpl::DigestInput(ElementNodeImpl& referent) const {
-    const ExcludeNodeFilter filter(enveloped_ ? EnclosingSignature() : nullptr);
-    const std::shared_ptr<const CanonicalizerInt> canonicalizer =
-        inclusivePrefixList_.empty()
-            ? context_->CreateCanonicalizer(canonicalizationMethod_)
-            : context_->CreateCanonicalizer(canonicalizationMethod_, inclusivePrefixList_);
-    StringWriter canonical;
-    canonicalizer->Canonicalize(FilteredNodeCursor(&referent, filter), canonical);
-    return std::move(canonical.data);
+std::shared_ptr<const CanonicalizerInt> SignatureReferenceImpl::CreateCanonicalizer() const {
+    return inclusivePrefixList_.empty()
+               ? context_->CreateCanonicalizer(canonicalizationMethod_)
+               : context_->CreateCanonicalizer(canonicalizationMethod_, inclusivePrefixList_);
 }
 
 SignatureReferenceImpl::Digest SignatureReferenceImpl::ComputeDigest(
     ElementNodeImpl& referent) const {
-    const std::string input = DigestInput(referent);
-    Digest digest;
-    context_->CreateHashAlgorithm(digestMethod_)->Digest(BytesOf(input), input.size(), digest);
-    return digest;
+    const ExcludeNodeFilter filter(enveloped_ ? EnclosingSignature() : nullptr);
+    const FilteredNodeCursor apex(&referent, filter);
+    const std::shared_ptr<const CanonicalizerInt> canonicalizer = CreateCanonicalizer();
+    return context_->CreateHashAlgorithm(digestMethod_)->DigestOf([&](Writer& out) {
+        canonicalizer->Canonicalize(apex, out);
+    });
 }
 
 bool SignatureReferenceImpl::EqualsDigestValue(const Digest& digest) const {

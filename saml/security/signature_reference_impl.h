@@ -55,7 +55,7 @@ class SignatureReferenceImpl final : public SignatureReference {
     boost::intrusive_ptr<ElementNodeImpl> CreateTransform(const std::string& algorithm) const;
 
     const NodeImpl* EnclosingSignature() const noexcept;
-    std::string DigestInput(ElementNodeImpl& referent) const;
+    std::shared_ptr<const CanonicalizerInt> CreateCanonicalizer() const;
     Digest ComputeDigest(ElementNodeImpl& referent) const;
     bool EqualsDigestValue(const Digest& digest) const;
 

@@ -160,11 +160,24 @@ std::string AssertionElement::TypeAsWritten() const {
     return type != nullptr ? type->second : std::string();
 }
 
+// Most elements hold one text: of these nothing else has to be asked.
+const Xml::TextNodeImpl* AssertionElement::LoneText() const {
+    const Xml::TextNodeImpl* const text = Xml::AsText(node_->FirstChild());
+    const bool isAlone = text != nullptr && text->NextSibling() == nullptr;
+    return isAlone && kVisible.Accept(*text) ? text : nullptr;
+}
+
 const std::string& AssertionElement::Text() const {
+    if (const Xml::TextNodeImpl* const alone = LoneText()) return alone->Text();
     const Xml::TextNodeImpl* const text = Xml::FindOnlyText(*node_, kVisible);
     if (text == nullptr || HasOtherText(*node_, *text))
         throw ParseException(NotOnlyText(LocalName()));
     return text->Text();
+}
+
+std::string AssertionElement::TextOrEmpty() const {
+    if (const Xml::TextNodeImpl* const alone = LoneText()) return alone->Text();
+    return IsEmpty() ? std::string() : Text();
 }
 
 bool AssertionElement::IsEmpty() const {

@@ -51,12 +51,15 @@ class AssertionElement {
     /// something between them are never joined, and none of them is passed over, blank or not:
     /// "admin<!-- -->.evil" and " <!-- -->admin" are refused, neither must read as "admin".
     const std::string& Text() const;
+    /// The same, and the empty text for an element without any child but blanks and comments.
+    std::string TextOrEmpty() const;
     /// True when there is no child but blanks and comments.
     bool IsEmpty() const;
     void ExpectEmpty() const;
     AssertionCursor Children() const;
 
   private:
+    const Xml::TextNodeImpl* LoneText() const;
     const Xml::AttributeMap::value_type* FindType() const;
 
     Xml::ElementNodeImpl* node_;

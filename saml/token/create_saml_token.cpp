@@ -32,13 +32,18 @@ void VerifySignature(Xml::Security::Signature& signature, KeyInfoResolver& resol
 }
 
 // The road that every token takes. The clock comes before the signature: callers tell a token that
-// is merely out of date from a forged one by this order. Names come last, since only a verified
-// token's names mean anything.
-std::shared_ptr<const SamlToken> CreateToken(std::string xml, Xml::ElementNodeImpl& element,
-                                             KeyInfoResolver& resolver, std::int64_t tolerance) {
+// is merely out of date from a forged one by this order. Names come last, when the token is made,
+// since only a verified token's names mean anything.
+ParsedAssertion ReadVerified(Xml::ElementNodeImpl& element, KeyInfoResolver& resolver,
+                             std::int64_t tolerance) {
     ParsedAssertion assertion = ReadAssertion(element);
     ValidateAssertion(assertion, DateTime::GetUtcDateTime(), tolerance);
     VerifySignature(*assertion.signature, resolver);
+    assertion.signature.reset();  // it keeps the document
+    return assertion;
+}
+
+std::shared_ptr<const SamlToken> MakeToken(std::string xml, ParsedAssertion assertion) {
     return std::make_shared<const SamlTokenImpl>(std::move(xml), std::move(assertion));
 }
 
@@ -55,9 +60,11 @@ std::string InclusiveCanonicalForm(Xml::ElementNodeImpl& element) {
 std::shared_ptr<const SamlToken> CreateSamlToken(const std::string& xml, KeyInfoResolver* resolver,
                                                  std::int64_t tolerance) {
     if (resolver == nullptr) throw InvalidArgumentException(kNoResolver);
-    const boost::intrusive_ptr<Xml::Document> document = Xml::ParseDocument(xml);
+    boost::intrusive_ptr<Xml::Document> document = Xml::ParseDocument(xml);
     auto& root = *CheckedCast<Xml::ElementNodeImpl>(document->GetRootElement());
-    return CreateToken(xml, root, *resolver, tolerance);
+    ParsedAssertion assertion = ReadVerified(root, *resolver, tolerance);
+    document.reset();  // before the text is copied: a big token is not held in three forms
+    return MakeToken(xml, std::move(assertion));
 }
 
 std::shared_ptr<const SamlToken> CreateSamlToken(const std::string& xml,
@@ -71,7 +78,8 @@ std::shared_ptr<const SamlToken> CreateSamlTokenFromDom(Xml::ElementNode* assert
     if (assertion == nullptr) throw InvalidArgumentException(kNoAssertion);
     if (resolver == nullptr) throw InvalidArgumentException(kNoResolver);
     auto& element = *CheckedCast<Xml::ElementNodeImpl>(assertion);
-    return CreateToken(InclusiveCanonicalForm(element), element, *resolver, tolerance);
+    std::string xml = InclusiveCanonicalForm(element);
+    return MakeToken(std::move(xml), ReadVerified(element, *resolver, tolerance));
 }
 
 std::shared_ptr<const SamlToken> CreateSamlTokenFromDom(Xml::ElementNode* assertion,

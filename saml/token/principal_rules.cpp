@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <locale>
+#include <utility>
 
 namespace Saml {
 namespace {
@@ -30,10 +31,12 @@ PrincipalId PrincipalFromUpn(const std::string& format, const std::string& value
     return {value.substr(0, at), value.substr(at + 1)};
 }
 
-PrincipalId PrincipalFromGroup(const std::string& value) {
+PrincipalId PrincipalFromGroup(std::string value) {
     const std::size_t backslash = value.find('\\');  // the first one: a domain never holds one
     if (!HasTextOnBothSides(value, backslash)) throw ParseException(MissingGroupPart(value));
-    return {value.substr(backslash + 1), value.substr(0, backslash)};
+    PrincipalId group{{}, value.substr(0, backslash)};
+    group.Name = std::move(value.erase(0, backslash + 1));
+    return group;
 }
 
 bool EqualsIgnoringCase(const std::string& left, const std::string& right) {

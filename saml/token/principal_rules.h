@@ -13,7 +13,7 @@ PrincipalId PrincipalFromUpn(const std::string& format, const std::string& value
 /// Splits the value of a group attribute: the domain is what stands before the first backslash, the
 /// name all that follows it.
 /// \throws ParseException  Either part is empty.
-PrincipalId PrincipalFromGroup(const std::string& value);
+PrincipalId PrincipalFromGroup(std::string value);
 
 /// True when both texts have the same length and each pair of characters is equal in upper case
 /// under the global `std::locale`.

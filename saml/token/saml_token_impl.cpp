@@ -42,7 +42,7 @@ SamlTokenImpl::SamlTokenImpl(std::string xml, ParsedAssertion assertion)
     isDelegable_ = IsAboveZero(conditions.proxyCount);
     if (assertion.advice) advice_ = std::move(*assertion.advice);
     if (assertion.attributes) {
-        TokenAttributes attributes = ApplyAttributes(*assertion.attributes);
+        TokenAttributes attributes = ApplyAttributes(std::move(*assertion.attributes));
         isSolution_ = attributes.isSolution;
         personName_ = std::move(attributes.personName);
         groups_ = std::move(attributes.groups);

@@ -2,6 +2,8 @@
 
 #include "saml/token/saml_identifiers.h"
 
+#include <cstddef>
+
 namespace Saml {
 namespace {
 
@@ -14,9 +16,12 @@ constexpr char kName[] = "Name";
 constexpr char kNameFormat[] = "NameFormat";
 constexpr char kFriendlyName[] = "FriendlyName";
 
-// An attribute may have the empty string as its value; no other text here may be empty.
-std::string ReadAttributeValue(const AssertionElement& value) {
-    return value.IsEmpty() ? std::string() : value.Text();
+std::size_t CountChildren(const Xml::NodeImpl& parent) {
+    std::size_t count = 0;
+    for (const Xml::NodeImpl* child = parent.FirstChild(); child != nullptr;
+         child = child->NextSibling())
+        ++count;
+    return count;
 }
 
 SamlAttribute ReadAttribute(const AssertionElement& element) {
@@ -25,9 +30,11 @@ SamlAttribute ReadAttribute(const AssertionElement& element) {
     attribute.Name = element.Attribute(kName);
     attribute.NameFormat = element.Attribute(kNameFormat);
     attribute.FriendlyName = element.Attribute(kFriendlyName);
+    attribute.Values.reserve(CountChildren(element.Node()));
+    // An attribute may have the empty string as its value; no other text here may be empty.
     for (AssertionCursor children = element.Children(); !children.AtEnd();)
         attribute.Values.push_back(
-            ReadAttributeValue(children.Take("AttributeValue", SamlUri::AssertionNamespace)));
+            children.Take("AttributeValue", SamlUri::AssertionNamespace).TextOrEmpty());
     return attribute;
 }
 

@@ -2,6 +2,8 @@
 
 #include "saml/token/principal_rules.h"
 
+#include <utility>
+
 namespace Saml {
 namespace {
 
@@ -14,9 +16,10 @@ std::string FirstValue(const SamlAttribute& attribute) {
     return attribute.Values.empty() ? std::string() : attribute.Values.front();
 }
 
-void AppendGroups(const SamlAttribute& attribute, std::vector<PrincipalId>& groups) {
-    for (const std::string& value : attribute.Values)
-        groups.push_back(PrincipalFromGroup(value));
+void AppendGroups(SamlAttribute& attribute, std::vector<PrincipalId>& groups) {
+    if (groups.empty()) groups.reserve(attribute.Values.size());
+    for (std::string& value : attribute.Values)
+        groups.push_back(PrincipalFromGroup(std::move(value)));
 }
 
 // The two refusals leave as pointers, unlike all others: callers have long told a broken
@@ -28,7 +31,7 @@ bool SolutionFlag(const SamlAttribute& attribute) {
     return EqualsIgnoringCase(attribute.Values.front(), kTrue);
 }
 
-void Apply(const SamlAttribute& attribute, TokenAttributes& result) {
+void Apply(SamlAttribute& attribute, TokenAttributes& result) {
     if (attribute.Name == ProfileUri::GroupIdentity)
         AppendGroups(attribute, result.groups);
     else if (attribute.Name == ProfileUri::IsSolution)
@@ -41,9 +44,9 @@ void Apply(const SamlAttribute& attribute, TokenAttributes& result) {
 
 }  // namespace
 
-TokenAttributes ApplyAttributes(const std::vector<SamlAttribute>& attributes) {
+TokenAttributes ApplyAttributes(std::vector<SamlAttribute> attributes) {
     TokenAttributes result;
-    for (const SamlAttribute& attribute : attributes)
+    for (SamlAttribute& attribute : attributes)
         Apply(attribute, result);
     return result;
 }

@@ -17,6 +17,6 @@ struct TokenAttributes {
 /// unknown ones are dropped.
 /// \throws ParseException   A group is malformed.
 /// \throws ParseException*  A solution-user attribute does not have exactly one value.
-TokenAttributes ApplyAttributes(const std::vector<SamlAttribute>& attributes);
+TokenAttributes ApplyAttributes(std::vector<SamlAttribute> attributes);
 
 }  // namespace Saml

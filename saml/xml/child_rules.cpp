@@ -2,6 +2,9 @@
 
 #include "saml/xml.h"
 
+#include <array>
+#include <cstddef>
+
 namespace Saml::Xml {
 namespace {
 
@@ -32,14 +35,27 @@ constexpr ChildRule kChildRules[] = {
     {NodeType::ProcessingInstruction, kAnyType, "Cannot add child to PI node."},
 };
 
+constexpr std::size_t kTypes = 16;  // more than there are
+
+using Refusals = std::array<std::array<const char*, kTypes>, kTypes>;
+
+/// By parent and child.
+constexpr Refusals TabulateRules() {
+    Refusals refusals{};
+    for (const ChildRule& rule : kChildRules)
+        for (std::size_t child = 0; child != kTypes; ++child)
+            if (rule.refusedChild == kAnyType ||
+                rule.refusedChild == static_cast<std::int32_t>(child))
+                refusals[static_cast<std::size_t>(rule.parent)][child] = rule.message;
+    return refusals;
+}
+
+constexpr Refusals kRefusals = TabulateRules();
+
 }  // namespace
 
 const char* FindChildRefusal(std::int32_t parent, std::int32_t child) noexcept {
-    for (const ChildRule& rule : kChildRules) {
-        const bool concernsChild = rule.refusedChild == kAnyType || rule.refusedChild == child;
-        if (rule.parent == parent && concernsChild) return rule.message;
-    }
-    return nullptr;
+    return kRefusals[static_cast<std::size_t>(parent)][static_cast<std::size_t>(child)];
 }
 
 }  // namespace Saml::Xml

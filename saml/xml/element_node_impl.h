@@ -1,10 +1,12 @@
 #pragma once
 
 #include "saml/xml.h"
+#include "saml/xml/element_name.h"
 #include "saml/xml/node_impl.h"
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -19,15 +21,16 @@ class ElementNodeImpl final : public virtual ElementNode, public NodeImpl {
 
     ElementNodeImpl(std::string_view prefix, std::string_view localName,
                     std::int32_t line = kNoPosition, std::int32_t column = kNoPosition);
+    ElementNodeImpl(ElementNamePtr name, std::int32_t line, std::int32_t column) noexcept;
 
     using NodeImpl::AppendChild;
     void AppendChild(TextNode* child) override;
     void AppendChild(ElementNode* child) override;
 
-    const std::string& GetPrefix() override { return prefix_; }
-    void SetPrefix(const std::string& prefix) override { prefix_ = prefix; }
-    const std::string& GetLocalName() override { return localName_; }
-    void SetLocalName(const std::string& localName) override { localName_ = localName; }
+    const std::string& GetPrefix() override { return Prefix(); }
+    void SetPrefix(const std::string& prefix) override;
+    const std::string& GetLocalName() override { return LocalName(); }
+    void SetLocalName(const std::string& localName) override;
     std::string GetQualifiedName() override;
     ExpandedName GetExpandedName() override;
     std::int32_t GetLine() override { return line_; }
@@ -42,18 +45,24 @@ class ElementNodeImpl final : public virtual ElementNode, public NodeImpl {
 
     void WriteTo(Writer& out, int indent) override;
 
-    const std::string& Prefix() const noexcept { return prefix_; }
-    const std::string& LocalName() const noexcept { return localName_; }
-    const AttributeMap& Attributes() const noexcept { return attributes_; }
+    const std::string& Prefix() const noexcept { return name_->prefix; }
+    const std::string& LocalName() const noexcept { return name_->localName; }
+    const AttributeMap& Attributes() const noexcept {
+        return attributes_ ? *attributes_ : kNoAttributes;
+    }
     /// `SetAttribute` for texts that are not strings yet; cheapest in ascending order of names.
     void PutAttribute(std::string_view name, std::string_view value);
     /// The value of the attribute with this written name; null when there is none.
     const std::string* FindAttribute(std::string_view name) const;
 
   private:
-    AttributeMap attributes_;
-    std::string prefix_;
-    std::string localName_;
+    static const AttributeMap kNoAttributes;
+
+    AttributeMap& OwnAttributes();
+    ElementName& OwnName();
+
+    std::unique_ptr<AttributeMap> attributes_;  ///< Null while there are none: most have none.
+    ElementNamePtr name_;
     std::int32_t line_;
     std::int32_t column_;
 };

@@ -85,6 +85,19 @@ DeclarationMap DeclarationsInForce(const ElementNodeImpl* element) {
 
 const std::string* NamespaceContext::Find(const ElementNodeImpl& element,
                                           std::string_view prefix) const {
+    if (!element.Attributes().empty() || &element == &apex_) return Search(element, prefix);
+    if (last_.parent != element.Parent() || last_.prefix != prefix) {
+        const std::string* const uri = Search(element, prefix);
+        last_.parent = nullptr;  // nothing is known until all of it is
+        last_.prefix = prefix;
+        last_.uri = uri;
+        last_.parent = element.Parent();
+    }
+    return last_.uri;
+}
+
+const std::string* NamespaceContext::Search(const ElementNodeImpl& element,
+                                            std::string_view prefix) const {
     const std::string declaration = DeclarationName(prefix);
     const ElementNodeImpl* const above = ParentElement(apex_);
     for (const ElementNodeImpl* scope = &element; scope != nullptr && scope != above;

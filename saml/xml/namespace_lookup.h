@@ -64,9 +64,20 @@ class NamespaceContext {
                                      std::string_view localName) const;
 
   private:
+    /// What was found last, where all that counts is the parent: an element without attributes
+    /// declares nothing, and there are many such in a row.
+    struct Answer {
+        const NodeImpl* parent = nullptr;
+        std::string prefix;
+        const std::string* uri = nullptr;
+    };
+
+    const std::string* Search(const ElementNodeImpl& element, std::string_view prefix) const;
+
     const ElementNodeImpl& apex_;
     mutable DeclarationMap inherited_;  ///< By prefix.
     mutable bool inheritedKnown_ = false;
+    mutable Answer last_;
 };
 
 }  // namespace Saml::Xml

@@ -2,12 +2,14 @@
 
 #include "saml/xml/content_nodes_impl.h"
 
-#include <string_view>
+#include <algorithm>
 
 namespace Saml::Xml::Security {
 namespace {
 
-constexpr std::string_view kWhiteSpace = "\t\n\r ";
+bool IsBlank(char byte) noexcept {
+    return byte == ' ' || byte == '\n' || byte == '\r' || byte == '\t';
+}
 
 }  // namespace
 
@@ -18,7 +20,7 @@ bool AcceptAllNodesFilter::Accept(const NodeImpl&) const {
 bool SkipWsAndCommentsFilter::Accept(const NodeImpl& node) const {
     if (node.Type() == NodeType::Comment) return false;
     const TextNodeImpl* const text = AsText(&node);
-    return text == nullptr || text->Text().find_first_not_of(kWhiteSpace) != std::string::npos;
+    return text == nullptr || !std::all_of(text->Text().begin(), text->Text().end(), IsBlank);
 }
 
 bool ExcludeNodeFilter::Accept(const NodeImpl& node) const {

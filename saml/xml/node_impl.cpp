@@ -88,6 +88,18 @@ void NodeImpl::AppendNode(NodeImpl& child) {
     LinkBehind(child, lastChild_);
 }
 
+void NodeImpl::AppendNew(boost::intrusive_ptr<NodeImpl> child) {
+    CheckChild(*child);
+    NodeImpl& added = *child;
+    boost::intrusive_ptr<NodeImpl>& link =
+        lastChild_ != nullptr ? lastChild_->nextSibling_ : firstChild_;
+    link = std::move(child);
+    added.parent_ = this;
+    added.previousSibling_ = lastChild_;
+    lastChild_ = &added;
+    OnChildAdded(added);
+}
+
 void NodeImpl::InsertAfter(Node* newChild, Node* refChild) {
     NodeImpl& child = RequireNode(newChild);
     if (newChild == refChild && child.parent_ == this) return;

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "saml/xml.h"
+#include "saml/xml/node_pool.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace Saml::Xml {
@@ -15,6 +17,14 @@ namespace Saml::Xml {
 class NodeImpl : public virtual Node {
   public:
     ~NodeImpl() override;
+
+    static void* operator new(std::size_t size) { return NodePool::AllocateAlone(size); }
+    static void* operator new(std::size_t size, NodePool& pool) { return pool.Allocate(size); }
+    static void operator delete(void* node, std::size_t size) noexcept {
+        NodePool::Free(node, size);
+    }
+    /// After a constructor that threw.
+    static void operator delete(void* node, NodePool&) noexcept { NodePool::Free(node, 0); }
 
     Node* GetParent() final { return parent_; }
     Node* GetFirstChild() final { return firstChild_.get(); }
@@ -45,6 +55,8 @@ class NodeImpl : public virtual Node {
 
     /// `AppendChild` for a node that is known to be the library's own.
     void AppendNode(NodeImpl& child);
+    /// The same for one that stands in no tree and has no children; takes the reference over.
+    void AppendNew(boost::intrusive_ptr<NodeImpl> child);
 
     /// Writes this node and its descendants; `indent` is the level, or -1 for compact output.
     virtual void WriteTo(Writer& out, int indent) = 0;

@@ -2,10 +2,10 @@
 
 #include "saml/xml/content_nodes_impl.h"
 #include "saml/xml/element_node_impl.h"
-#include "saml/xml/qualified_name.h"
 
 #include <cstring>
 #include <string_view>
+#include <utility>
 
 namespace Saml::Xml {
 namespace {
@@ -21,6 +21,7 @@ XMLDocHandlerImpl::XMLDocHandlerImpl(std::int64_t maxTotalSize, std::int64_t max
 void XMLDocHandlerImpl::StartDocument(bool enforceLimits, boost::intrusive_ptr<Node>& document) {
     const boost::intrusive_ptr<DocumentImpl> created(new DocumentImpl);
     open_.clear();
+    pool_.Retire();
     limits_.Start(enforceLimits);
     document_ = created;
     document = created;
@@ -33,17 +34,16 @@ void XMLDocHandlerImpl::StartDocument(boost::intrusive_ptr<Node>& document) {
 void XMLDocHandlerImpl::StartElement(const std::string& qualifiedName, unsigned line,
                                      unsigned column, const char** attributes) {
     limits_.CountNode(qualifiedName.size());
-    const QualifiedName name = SplitQualifiedName(qualifiedName);
-    const boost::intrusive_ptr<ElementNodeImpl> element(
-        new ElementNodeImpl(name.prefix, name.localName, static_cast<std::int32_t>(line),
-                            static_cast<std::int32_t>(column)));
+    boost::intrusive_ptr<ElementNodeImpl> element(
+        new (pool_) ElementNodeImpl(names_.Get(qualifiedName), static_cast<std::int32_t>(line),
+                                    static_cast<std::int32_t>(column)));
     for (const char** attribute = attributes; *attribute != nullptr; attribute += 2) {
         const std::string_view attributeName(attribute[0]);
         const std::string_view value(attribute[1]);
         limits_.CountSize(value.size() + attributeName.size());
         element->PutAttribute(attributeName, value);
     }
-    AddOpen(*element);
+    AddOpen(std::move(element));
 }
 
 // A stopped tokenizer may still report an end tag whose start never came to the stack.
@@ -53,8 +53,7 @@ void XMLDocHandlerImpl::EndElement(const std::string&) {
 
 void XMLDocHandlerImpl::StartCData() {
     limits_.CountNode(0);
-    const boost::intrusive_ptr<CDataNodeImpl> section(new CDataNodeImpl);
-    AddOpen(*section);
+    AddOpen(boost::intrusive_ptr<NodeImpl>(new (pool_) CDataNodeImpl));
 }
 
 void XMLDocHandlerImpl::EndCData() {
@@ -71,21 +70,18 @@ void XMLDocHandlerImpl::Characters(const char* data, int length) {
         return;
     }
     limits_.CountNode(run.size());
-    const boost::intrusive_ptr<TextNodeImpl> text(new TextNodeImpl(run));
-    AddLeaf(*text);
+    AddLeaf(boost::intrusive_ptr<NodeImpl>(new (pool_) TextNodeImpl(run)));
 }
 
 void XMLDocHandlerImpl::Comment(const std::string& text) {
     limits_.CountNode(text.size());
-    const boost::intrusive_ptr<CommentNodeImpl> comment(new CommentNodeImpl(text));
-    AddLeaf(*comment);
+    AddLeaf(boost::intrusive_ptr<NodeImpl>(new (pool_) CommentNodeImpl(text)));
 }
 
 void XMLDocHandlerImpl::ProcessingInstruction(const std::string& target, const std::string& data) {
     limits_.CountNode(target.size() + data.size());
-    const boost::intrusive_ptr<ProcessingInstructionNodeImpl> instruction(
-        new ProcessingInstructionNodeImpl(target, data));
-    AddLeaf(*instruction);
+    AddLeaf(
+        boost::intrusive_ptr<NodeImpl>(new (pool_) ProcessingInstructionNodeImpl(target, data)));
 }
 
 void XMLDocHandlerImpl::XmlDeclaration(const std::string& version, const std::string& encoding) {
@@ -97,6 +93,7 @@ void XMLDocHandlerImpl::XmlDeclaration(const std::string& version, const std::st
 
 void XMLDocHandlerImpl::Reset() {
     open_.clear();
+    pool_.Retire();
     document_.reset();
 }
 
@@ -106,14 +103,15 @@ NodeImpl& XMLDocHandlerImpl::CurrentParent() const {
     return *document_;
 }
 
-void XMLDocHandlerImpl::AddLeaf(NodeImpl& node) {
-    CurrentParent().AppendNode(node);
+void XMLDocHandlerImpl::AddLeaf(boost::intrusive_ptr<NodeImpl> node) {
+    CurrentParent().AppendNew(std::move(node));
     limits_.CheckDepth(open_.size());
 }
 
-void XMLDocHandlerImpl::AddOpen(NodeImpl& node) {
-    AddLeaf(node);
-    open_.push_back(&node);
+void XMLDocHandlerImpl::AddOpen(boost::intrusive_ptr<NodeImpl> node) {
+    NodeImpl* const opened = node.get();
+    AddLeaf(std::move(node));
+    open_.push_back(opened);
 }
 
 void XMLDocHandlerImpl::CloseCurrent() noexcept {

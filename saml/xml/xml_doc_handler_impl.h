@@ -31,12 +31,14 @@ class XMLDocHandlerImpl final : public XMLHandler {
 
   private:
     NodeImpl& CurrentParent() const;
-    void AddLeaf(NodeImpl& node);
-    void AddOpen(NodeImpl& node);
+    void AddLeaf(boost::intrusive_ptr<NodeImpl> node);
+    void AddOpen(boost::intrusive_ptr<NodeImpl> node);
     void CloseCurrent() noexcept;
 
     std::vector<NodeImpl*> open_;  ///< Elements and CDATA sections, outermost first.
     boost::intrusive_ptr<DocumentImpl> document_;
+    NodePool pool_;  ///< Of the document under construction.
+    RecentNames names_;
     ParseLimits limits_;
 };
 

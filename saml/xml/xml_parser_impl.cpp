@@ -5,9 +5,7 @@
 #include "saml/xml/tokenizer_events.h"
 
 #include <array>
-#include <cstring>
 #include <new>
-#include <string_view>
 #include <utility>
 
 namespace Saml::Xml {
@@ -23,26 +21,6 @@ constexpr int kEndOfInput = -1;
 /// A tokenizer that met more than this is not used again: its buffers have grown, and expat keeps
 /// its account of memory across resets, so that it would refuse later documents.
 constexpr std::size_t kReusableUpTo = std::size_t{1024} * 1024;
-
-/// Reads a text that outlives it, without a copy.
-class BorrowedTextReader final : public Reader {
-  public:
-    /// A narrowed length would have the parser read only a part of what the caller keeps.
-    explicit BorrowedTextReader(std::string_view text) : rest_(text) {
-        if (!FitsIn<std::int32_t>(text.size())) throw InvalidArgumentException(kTextTooLong);
-    }
-
-    int Read(char* buffer, int size) override {
-        if (rest_.empty()) return kEndOfInput;
-        const std::string_view piece = rest_.substr(0, static_cast<std::size_t>(size));
-        std::memcpy(buffer, piece.data(), piece.size());
-        rest_.remove_prefix(piece.size());
-        return static_cast<int>(piece.size());
-    }
-
-  private:
-    std::string_view rest_;
-};
 
 boost::intrusive_ptr<XMLHandler> RequireHandler(XMLHandler* handler) {
     if (handler == nullptr) throw InvalidArgumentException(kNullHandler);
@@ -75,19 +53,24 @@ XMLParseException Failure(XML_Parser tokenizer, XML_Error code) {
             static_cast<std::uint32_t>(XML_GetCurrentLineNumber(tokenizer))};
 }
 
+void Feed(XML_Parser tokenizer, const TokenizerEvents& events, const char* data, int size,
+          bool isEnd) {
+    const XML_Status status = XML_Parse(tokenizer, data, size, isEnd);
+    // Expat may tell a stop only at its next call: at a CDATA section that begins where a chunk
+    // ends.
+    if (events.Stopped()) throw Failure(tokenizer, XML_ERROR_ABORTED);
+    if (status != XML_STATUS_OK) throw Failure(tokenizer, XML_GetErrorCode(tokenizer));
+}
+
 /// Feeds the tokenizer to the end of `input`.
 /// \return How many bytes there were.
-std::size_t Tokenize(XML_Parser tokenizer, const TokenizerEvents& events, Reader& input) {
+std::size_t FeedAll(XML_Parser tokenizer, const TokenizerEvents& events, Reader& input) {
     std::array<char, kChunkSize> chunk;
     std::size_t total = 0;
     for (;;) {
         const int count = ReadChunk(input, chunk);
         const bool isEnd = count == kEndOfInput;
-        const XML_Status status = XML_Parse(tokenizer, chunk.data(), isEnd ? 0 : count, isEnd);
-        // Expat may tell a stop only at its next call: at a CDATA section that begins where a chunk
-        // ends.
-        if (events.Stopped()) throw Failure(tokenizer, XML_ERROR_ABORTED);
-        if (status != XML_STATUS_OK) throw Failure(tokenizer, XML_GetErrorCode(tokenizer));
+        Feed(tokenizer, events, chunk.data(), isEnd ? 0 : count, isEnd);
         if (isEnd) return total;
         total += static_cast<std::size_t>(count);
     }
@@ -102,10 +85,15 @@ void XMLParserImpl::SetHandler(XMLHandler* handler) {
     handler_ = RequireHandler(handler);
 }
 
+// A text that is there already is tokenized where it stands.
 void XMLParserImpl::Parse(const std::string& text, bool enforceLimits,
                           boost::intrusive_ptr<Node>& document) {
-    BorrowedTextReader reader(text);
-    Parse(reader, enforceLimits, document);
+    // A narrowed length would have a part of the text parsed, and the caller keep all of it.
+    if (!FitsIn<std::int32_t>(text.size())) throw InvalidArgumentException(kTextTooLong);
+    Run(enforceLimits, document, [&text](XML_Parser tokenizer, const TokenizerEvents& events) {
+        Feed(tokenizer, events, text.data(), static_cast<int>(text.size()), true);
+        return text.size();
+    });
 }
 
 void XMLParserImpl::Parse(const std::string& text, boost::intrusive_ptr<Node>& document) {
@@ -117,6 +105,13 @@ void XMLParserImpl::Parse(Reader& input, boost::intrusive_ptr<Node>& document) {
 }
 
 void XMLParserImpl::Parse(Reader& input, bool enforceLimits, boost::intrusive_ptr<Node>& document) {
+    Run(enforceLimits, document, [&input](XML_Parser tokenizer, const TokenizerEvents& events) {
+        return FeedAll(tokenizer, events, input);
+    });
+}
+
+template <class FeedTo>
+void XMLParserImpl::Run(bool enforceLimits, boost::intrusive_ptr<Node>& document, FeedTo feed) {
     // Both are held here: the handler may replace itself or start another parse from an event.
     const boost::intrusive_ptr<XMLHandler> handler = handler_;
     TokenizerHandle tokenizer = TakeTokenizer();
@@ -127,7 +122,7 @@ void XMLParserImpl::Parse(Reader& input, bool enforceLimits, boost::intrusive_pt
     std::size_t size = 0;
     {
         const ScopeGuard reset([&handler] { ResetQuietly(*handler); });
-        size = Tokenize(tokenizer.get(), events, input);
+        size = feed(tokenizer.get(), events);
     }
     document = std::move(built);
     if (size <= kReusableUpTo) idleTokenizer_ = std::move(tokenizer);
@@ -135,7 +130,8 @@ void XMLParserImpl::Parse(Reader& input, bool enforceLimits, boost::intrusive_pt
 
 TokenizerHandle XMLParserImpl::TakeTokenizer() {
     TokenizerHandle tokenizer = std::move(idleTokenizer_);
-    if (!tokenizer || XML_ParserReset(tokenizer.get(), nullptr) != XML_TRUE)
+    const bool isNew = std::exchange(idleTokenizerIsNew_, false);
+    if (!tokenizer || (!isNew && XML_ParserReset(tokenizer.get(), nullptr) != XML_TRUE))
         return CreateTokenizer();
     return tokenizer;
 }

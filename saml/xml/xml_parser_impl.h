@@ -19,11 +19,16 @@ class XMLParserImpl final : public XMLParser {
     XMLHandler* GetHandler() override { return handler_.get(); }
 
   private:
+    /// One parse; `feed(tokenizer, events)` feeds the tokenizer and gives how many bytes there
+    /// were.
+    template <class FeedTo>
+    void Run(bool enforceLimits, boost::intrusive_ptr<Node>& document, FeedTo feed);
     TokenizerHandle TakeTokenizer();
 
     boost::intrusive_ptr<XMLHandler> handler_;
     /// Kept for the next parse; empty while one runs and after one that spoiled it.
     TokenizerHandle idleTokenizer_;
+    bool idleTokenizerIsNew_ = true;  ///< Needs no reset.
 };
 
 }  // namespace Saml::Xml

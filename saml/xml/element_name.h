@@ -1,0 +1,61 @@
+#pragma once
+
+#include "saml/xml/qualified_name.h"
+
+#include <boost/intrusive_ptr.hpp>
+#include <boost/smart_ptr/intrusive_ref_counter.hpp>
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace Saml::Xml {
+
+/// The name of an element as it is written. A document has few of them for many elements, which
+/// share it; whoever changes a name that is shared takes one of its own.
+struct ElementName final
+    : public boost::intrusive_ref_counter<ElementName, boost::thread_safe_counter> {
+    ElementName(std::string_view prefixText, std::string_view localText)
+        : prefix(prefixText), localName(localText) {}
+
+    std::string prefix;
+    std::string localName;
+};
+
+using ElementNamePtr = boost::intrusive_ptr<ElementName>;
+
+/// The names that a document under construction used last.
+class RecentNames {
+  public:
+    /// The name that is written `qualifiedName`.
+    const ElementNamePtr& Get(const std::string& qualifiedName) {
+        Entry& entry = entries_[PlaceOf(qualifiedName)];
+        if (!entry.name || entry.written != qualifiedName) {
+            const QualifiedName parts = SplitQualifiedName(qualifiedName);
+            const ElementNamePtr name(new ElementName(parts.prefix, parts.localName));
+            entry.name.reset();  // nothing is known until all of it is
+            entry.written = qualifiedName;
+            entry.name = name;
+        }
+        return entry.name;
+    }
+
+  private:
+    struct Entry {
+        std::string written;
+        ElementNamePtr name;
+    };
+
+    static constexpr std::size_t kEntries = 16;
+
+    /// Two names in one place cost a new name each time, nothing else.
+    static std::size_t PlaceOf(const std::string& qualifiedName) noexcept {
+        const auto last = qualifiedName.empty() ? '\0' : qualifiedName.back();
+        return (qualifiedName.size() + static_cast<unsigned char>(last)) % kEntries;
+    }
+
+    std::array<Entry, kEntries> entries_;
+};
+
+}  // namespace Saml::Xml
