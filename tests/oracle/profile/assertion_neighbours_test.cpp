@@ -1,9 +1,9 @@
 #include "oracle/profile/assertion_neighbours.h"
 
 #include "oracle/profile/full_assertion.h"
-#include "support/token_account.h"
 #include "oracle/profile/token_prediction.h"
 #include "saml/token.h"
+#include "support/token_account.h"
 
 #include <boost/core/demangle.hpp>
 #include <gtest/gtest.h>
