@@ -89,7 +89,8 @@ TEST(ReaderThatThrows, StopsTheParseAndNothingElse) {
         Xml::CreateXMLParser(Xml::CreateXMLDocumentHandler(1000, 100, 10)));
     const std::string whole = Xml::Outline(*Xml::Parsed(kText));
     std::size_t thrown = 0;
-    for (const std::size_t slice : {1, 2, 7, 100}) {
+    for (const std::size_t slice :
+         {std::size_t{1}, std::size_t{2}, std::size_t{7}, std::size_t{100}}) {
         for (std::size_t number = 0;; ++number) {
             SCOPED_TRACE(std::to_string(slice) + " bytes, call " + std::to_string(number));
             FusedReader reader(kText, slice);
