@@ -94,6 +94,7 @@ void XMLDocHandlerImpl::XmlDeclaration(const std::string& version, const std::st
 void XMLDocHandlerImpl::Reset() {
     open_.clear();
     pool_.Retire();
+    names_ = RecentNames();  // they may be as long as a document
     document_.reset();
 }
 

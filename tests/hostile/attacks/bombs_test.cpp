@@ -30,7 +30,7 @@ std::string Reference(const std::string& uri, const std::string& transforms,
            "</ds:DigestValue></ds:Reference>";
 }
 
-/// The text of the digest of what `spec` says.
+/// The text of the digest of a token of this description.
 std::string DigestValueOf(const Forge::TokenSpec& spec) {
     const std::string token = TokenWith({}, spec);
     const Extent extent = ContentOf(token, "ds:DigestValue");
