@@ -65,6 +65,12 @@ std::string AttributeOf(xmlNode* element, const char* name) {
     return Taken(xmlGetNoNsProp(element, reinterpret_cast<const xmlChar*>(name)));
 }
 
+/// Blanks between tags are no content: an attribute's value that is nothing else is empty.
+std::string ValueOf(xmlNode* element) {
+    const std::string text = TextOf(element);
+    return text.find_first_not_of("\t\n\r ") == std::string::npos ? std::string() : text;
+}
+
 bool CountsAbove0(xmlNode* element) {
     return element != nullptr &&
            std::strtoll(AttributeOf(element, "Count").c_str(), nullptr, 10) > 0;
@@ -89,7 +95,7 @@ Saml::SamlAttribute Attribute(xmlNode* element) {
                                   AttributeOf(element, "FriendlyName"),
                                   {}};
     for (xmlNode* const value : Children(element, kSaml, "AttributeValue"))
-        attribute.Values.push_back(TextOf(value));
+        attribute.Values.push_back(ValueOf(value));
     return attribute;
 }
 
