@@ -23,8 +23,8 @@ std::string Refused(const std::string& message) {
 }
 /// The outcome of a token that is accepted and says this.
 std::string Accepted(const Oracle::Account& account);
-/// What a token of this description says, when it is accepted. The names in it are plain: one "@" in
-/// a principal, one backslash in a group, no markup.
+/// What a token of this description says, when it is accepted. The names in it are plain: one "@"
+/// in a principal, one backslash in a group, no markup.
 Oracle::Account AccountOf(const Forge::TokenSpec& spec);
 /// The outcome of a token made from `spec` that is accepted as it stands.
 std::string Accepted(const Forge::TokenSpec& spec);
