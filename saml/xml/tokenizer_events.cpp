@@ -10,6 +10,12 @@ namespace {
 constexpr std::uint64_t kFreeDefaultedSize = std::uint64_t{8} * 1024 * 1024;
 constexpr std::uint64_t kMaxAmplification = 100;
 
+// Other spellings are as good, and their positions left to expat.
+bool SaysUtf8(const char* encoding) noexcept {
+    return encoding == nullptr || std::strcmp(encoding, "UTF-8") == 0 ||
+           std::strcmp(encoding, "utf-8") == 0;
+}
+
 std::string TextOrEmpty(const char* text) {
     return text != nullptr ? text : "";
 }
@@ -28,6 +34,10 @@ TokenizerEvents::TokenizerEvents(XML_Parser tokenizer, XMLHandler& handler, bool
     XML_SetEntityDeclHandler(tokenizer, OnEntityDeclaration);
 }
 
+void TokenizerEvents::ExpectWhole(std::string_view text) noexcept {
+    countsPositions_ = TextPosition::StartsAsUtf8(text);
+}
+
 void TokenizerEvents::Stop() noexcept {
     stopped_ = true;
     XML_StopParser(tokenizer_, XML_FALSE);
@@ -42,6 +52,21 @@ void TokenizerEvents::Forward(void* userData, Event event) noexcept {
     } catch (...) {
         events.Stop();
     }
+}
+
+void TokenizerEvents::LocateEvent(unsigned& line, unsigned& column) {
+    int offset = 0;
+    int size = 0;
+    const char* const buffer =
+        countsPositions_ ? XML_GetInputContext(tokenizer_, &offset, &size) : nullptr;
+    if (buffer == nullptr) {  // always, when expat was built to keep no context
+        line = static_cast<unsigned>(XML_GetCurrentLineNumber(tokenizer_));
+        column = static_cast<unsigned>(XML_GetCurrentColumnNumber(tokenizer_));
+        return;
+    }
+    position_.AdvanceTo({buffer, static_cast<std::size_t>(offset)});
+    line = position_.Line();
+    column = position_.Column();
 }
 
 // One declaration of a long default value, and every tag of four bytes holds a copy of it.
@@ -60,9 +85,10 @@ void TokenizerEvents::OnStartElement(void* userData, const char* name, const cha
     Forward(userData, [=](TokenizerEvents& events) {
         events.CheckDefaults(attributes);
         events.name_ = name;
-        events.handler_.StartElement(
-            events.name_, static_cast<unsigned>(XML_GetCurrentLineNumber(events.tokenizer_)),
-            static_cast<unsigned>(XML_GetCurrentColumnNumber(events.tokenizer_)), attributes);
+        unsigned line = 0;
+        unsigned column = 0;
+        events.LocateEvent(line, column);
+        events.handler_.StartElement(events.name_, line, column, attributes);
     });
 }
 
@@ -98,6 +124,7 @@ void TokenizerEvents::OnCharacters(void* userData, const char* data, int length)
 void TokenizerEvents::OnXmlDeclaration(void* userData, const char* version, const char* encoding,
                                        int) {
     Forward(userData, [=](TokenizerEvents& events) {
+        if (!SaysUtf8(encoding)) events.countsPositions_ = false;
         events.handler_.XmlDeclaration(TextOrEmpty(version), TextOrEmpty(encoding));
     });
 }

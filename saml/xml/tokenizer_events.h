@@ -2,9 +2,11 @@
 
 #include "saml/xml.h"
 #include "saml/xml/expat_handle.h"
+#include "saml/xml/text_position.h"
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace Saml::Xml {
 
@@ -22,6 +24,8 @@ class TokenizerEvents {
     TokenizerEvents(const TokenizerEvents&) = delete;
     TokenizerEvents& operator=(const TokenizerEvents&) = delete;
 
+    /// Says that `text` is fed to the tokenizer in one piece.
+    void ExpectWhole(std::string_view text) noexcept;
     /// True from the event on that stopped the parse.
     bool Stopped() const noexcept { return stopped_; }
 
@@ -44,6 +48,7 @@ class TokenizerEvents {
                                             const char* systemId, const char* publicId,
                                             const char* notationName);
 
+    void LocateEvent(unsigned& line, unsigned& column);
     void CheckDefaults(const char** attributes);
     void Stop() noexcept;
 
@@ -51,6 +56,9 @@ class TokenizerEvents {
     XMLHandler& handler_;
     const bool banEntities_;
     bool stopped_ = false;
+    /// The text is UTF-8, as far as is known, and all of it stands in the tokenizer's buffer.
+    bool countsPositions_ = false;
+    TextPosition position_;
     std::uint64_t defaultedSize_ = 0;  ///< Of all attributes that a DTD supplied so far.
     std::string name_;  ///< Reused for every tag, so that a name costs no allocation.
 };

@@ -90,7 +90,8 @@ void XMLParserImpl::Parse(const std::string& text, bool enforceLimits,
                           boost::intrusive_ptr<Node>& document) {
     // A narrowed length would have a part of the text parsed, and the caller keep all of it.
     if (!FitsIn<std::int32_t>(text.size())) throw InvalidArgumentException(kTextTooLong);
-    Run(enforceLimits, document, [&text](XML_Parser tokenizer, const TokenizerEvents& events) {
+    Run(enforceLimits, document, [&text](XML_Parser tokenizer, TokenizerEvents& events) {
+        events.ExpectWhole(text);
         Feed(tokenizer, events, text.data(), static_cast<int>(text.size()), true);
         return text.size();
     });
