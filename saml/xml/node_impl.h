@@ -82,4 +82,13 @@ class NodeImpl : public virtual Node {
     const std::int32_t type_;
 };
 
+/// In place of the counter's own: a node that nobody else holds goes without counting down, since
+/// nobody else can tell.
+inline void intrusive_ptr_release(const NodeImpl* node) noexcept {
+    if (node->use_count() == 1)
+        delete node;
+    else
+        intrusive_ptr_release(static_cast<const Node*>(node));
+}
+
 }  // namespace Saml::Xml

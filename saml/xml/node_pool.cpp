@@ -1,8 +1,8 @@
 #include "saml/xml/node_pool.h"
 
-#include <boost/smart_ptr/intrusive_ref_counter.hpp>
-
 #include <algorithm>
+#include <atomic>
+#include <limits>
 #include <memory>
 #include <new>
 
@@ -37,11 +37,13 @@ void Unpoison([[maybe_unused]] const void* memory, [[maybe_unused]] std::size_t 
 
 }  // namespace
 
-class NodePool::Chunk final
-    : public boost::intrusive_ref_counter<Chunk, boost::thread_safe_counter> {
+/// Deletes itself after its pool has left it and the last of its nodes is freed.
+///
+/// The pool holds a share of the count that no number of nodes uses up, and hands a part of it to
+/// each: so a node is allocated without an atomic operation. What is left goes back at once.
+class NodePool::Chunk final {
   public:
     explicit Chunk(std::size_t size) : bytes_(new unsigned char[size]), size_(size) {}
-    ~Chunk() { Unpoison(bytes_.get(), size_); }  // it becomes memory like any other
     Chunk(const Chunk&) = delete;
     Chunk& operator=(const Chunk&) = delete;
 
@@ -49,14 +51,34 @@ class NodePool::Chunk final
     unsigned char* Take(std::size_t size) noexcept {
         unsigned char* const taken = bytes_.get() + used_;
         used_ += size;
+        ++nodes_;
         return taken;
     }
+    void Leave() noexcept { Release(kShareOfPool - nodes_); }
+    void FreeNode() noexcept { Release(1); }
 
   private:
+    static constexpr std::size_t kShareOfPool = std::numeric_limits<std::size_t>::max();
+
+    ~Chunk() { Unpoison(bytes_.get(), size_); }  // it becomes memory like any other
+
+    // Who holds all that is left need not count: nobody else can.
+    void Release(std::size_t share) noexcept {
+        if (count_.load(std::memory_order_acquire) == share ||
+            count_.fetch_sub(share, std::memory_order_acq_rel) == share)
+            delete this;
+    }
+
     const std::unique_ptr<unsigned char[]> bytes_;
     const std::size_t size_;
     std::size_t used_ = 0;
+    std::size_t nodes_ = 0;
+    std::atomic<std::size_t> count_{kShareOfPool};
 };
+
+void NodePool::Leave::operator()(Chunk* chunk) const noexcept {
+    chunk->Leave();
+}
 
 namespace {
 
@@ -82,12 +104,10 @@ void* NodePool::Allocate(std::size_t size) {
     const std::size_t needed = sizeof(Header) + Padded(size);
     if (!chunk_ || !chunk_->HasRoomFor(needed)) {
         const std::size_t wanted = std::min(std::max(2 * chunkSize_, kFirstChunk), kLongestChunk);
-        chunk_ = new Chunk(std::max(wanted, needed));
+        chunk_.reset(new Chunk(std::max(wanted, needed)));
         chunkSize_ = wanted;
     }
-    boost::intrusive_ptr<Chunk> chunk = chunk_;
-    unsigned char* const memory = chunk->Take(needed);
-    return BehindHeader(memory, chunk.detach());  // held by the node from now on
+    return BehindHeader(chunk_->Take(needed), chunk_.get());
 }
 
 void* NodePool::AllocateAlone(std::size_t size) {
@@ -100,8 +120,8 @@ void NodePool::Free(void* node, std::size_t size) noexcept {
         ::operator delete(header);
         return;
     }
-    const boost::intrusive_ptr<Chunk> chunk(static_cast<Chunk*>(header->chunk), false);
     Poison(node, size);
+    static_cast<Chunk*>(header->chunk)->FreeNode();
 }
 
 void NodePool::Retire() noexcept {

@@ -1,8 +1,7 @@
 #pragma once
 
-#include <boost/intrusive_ptr.hpp>
-
 #include <cstddef>
+#include <memory>
 
 namespace Saml::Xml {
 
@@ -32,8 +31,11 @@ class NodePool {
 
   private:
     class Chunk;
+    struct Leave {
+        void operator()(Chunk* chunk) const noexcept;
+    };
 
-    boost::intrusive_ptr<Chunk> chunk_;
+    std::unique_ptr<Chunk, Leave> chunk_;
     std::size_t chunkSize_ = 0;
 };
 
