@@ -16,6 +16,11 @@ namespace Saml::Xml::Security {
 /// nothing is copied for an element. Prefixes and URIs refer into the tree, which does not change.
 class NamespaceScope {
   public:
+    NamespaceScope() {
+        undo_.reserve(kUsualDepth);
+        marks_.reserve(kUsualDepth);
+    }
+
     /// Begins the changes of one element.
     void Enter() { marks_.push_back(undo_.size()); }
     /// Undoes what was changed since the matching `Enter`.
@@ -42,6 +47,8 @@ class NamespaceScope {
     }
 
   private:
+    static constexpr std::size_t kUsualDepth = 16;
+
     struct Binding {
         const std::string* inScope = nullptr;
         const std::string* rendered = nullptr;

@@ -43,7 +43,7 @@ ParsedAssertion ReadVerified(Xml::ElementNodeImpl& element, KeyInfoResolver& res
     return assertion;
 }
 
-std::shared_ptr<const SamlToken> MakeToken(std::string xml, ParsedAssertion assertion) {
+std::shared_ptr<const SamlToken> MakeToken(std::string xml, ParsedAssertion&& assertion) {
     return std::make_shared<const SamlTokenImpl>(std::move(xml), std::move(assertion));
 }
 

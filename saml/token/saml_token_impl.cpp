@@ -29,7 +29,7 @@ std::vector<DelegateInfo> DelegationChain(const std::vector<ParsedDelegate>& del
 SamlToken::SamlToken() = default;
 SamlToken::~SamlToken() = default;
 
-SamlTokenImpl::SamlTokenImpl(std::string xml, ParsedAssertion assertion)
+SamlTokenImpl::SamlTokenImpl(std::string xml, ParsedAssertion&& assertion)
     : xml_(std::move(xml)),
       id_(std::move(assertion.id)),
       startTime_(assertion.conditions.notBefore),

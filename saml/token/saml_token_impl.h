@@ -15,7 +15,7 @@ class SamlTokenImpl final : public SamlToken {
     /// Names are judged here, so a bad one is reported after everything else that may be wrong.
     /// \param xml  The text that `GetXml` gives.
     /// \throws ParseException, ParseException*  As `PrincipalFromUpn` and `ApplyAttributes`.
-    SamlTokenImpl(std::string xml, ParsedAssertion assertion);
+    SamlTokenImpl(std::string xml, ParsedAssertion&& assertion);
 
     const std::string& GetId() const override { return id_; }
     const DateTime& GetStartTime() const override { return startTime_; }

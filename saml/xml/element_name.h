@@ -29,33 +29,24 @@ using ElementNamePtr = boost::intrusive_ptr<ElementName>;
 class RecentNames {
   public:
     /// The name that is written `qualifiedName`.
-    const ElementNamePtr& Get(const std::string& qualifiedName) {
-        Entry& entry = entries_[PlaceOf(qualifiedName)];
-        if (!entry.name || entry.written != qualifiedName) {
-            const QualifiedName parts = SplitQualifiedName(qualifiedName);
-            const ElementNamePtr name(new ElementName(parts.prefix, parts.localName));
-            entry.name.reset();  // nothing is known until all of it is
-            entry.written = qualifiedName;
-            entry.name = name;
-        }
-        return entry.name;
+    const ElementNamePtr& Get(std::string_view qualifiedName) {
+        const QualifiedName parts = SplitQualifiedName(qualifiedName);
+        ElementNamePtr& recent = names_[PlaceOf(qualifiedName)];
+        if (!recent || recent->localName != parts.localName || recent->prefix != parts.prefix)
+            recent = new ElementName(parts.prefix, parts.localName);
+        return recent;
     }
 
   private:
-    struct Entry {
-        std::string written;
-        ElementNamePtr name;
-    };
-
-    static constexpr std::size_t kEntries = 16;
+    static constexpr std::size_t kPlaces = 16;
 
     /// Two names in one place cost a new name each time, nothing else.
-    static std::size_t PlaceOf(const std::string& qualifiedName) noexcept {
+    static std::size_t PlaceOf(std::string_view qualifiedName) noexcept {
         const auto last = qualifiedName.empty() ? '\0' : qualifiedName.back();
-        return (qualifiedName.size() + static_cast<unsigned char>(last)) % kEntries;
+        return (qualifiedName.size() + static_cast<unsigned char>(last)) % kPlaces;
     }
 
-    std::array<Entry, kEntries> entries_;
+    std::array<ElementNamePtr, kPlaces> names_;
 };
 
 }  // namespace Saml::Xml

@@ -155,7 +155,7 @@ TEST(SamlToken, IsRefusedForTheSubjectsNameFirst) {
     assertion.subject.nameId = {"urn:oasis:names:tc:SAML:1.1:nameid-format:emailAddress", "x"};
     assertion.attributes = {{ProfileUri::GroupIdentity, "", "", {"nobody"}}};
     assertion.conditions.delegation = {{DateTime(), Upn("nobody")}};
-    EXPECT_EQ(MessageOf<ParseException>([&] { SamlTokenImpl("", assertion); }),
+    EXPECT_EQ(MessageOf<ParseException>([&] { SamlTokenImpl("", ParsedAssertion(assertion)); }),
               "Invalid or unsupported NameId format "
               "'urn:oasis:names:tc:SAML:1.1:nameid-format:emailAddress'");
 }
@@ -164,17 +164,17 @@ TEST(SamlToken, IsRefusedForAnAttributeBeforeADelegate) {
     ParsedAssertion assertion = Least();
     assertion.attributes = {{ProfileUri::GroupIdentity, "", "", {"nobody"}}};
     assertion.conditions.delegation = {{DateTime(), Upn("nobody")}};
-    EXPECT_EQ(MessageOf<ParseException>([&] { SamlTokenImpl("", assertion); }),
+    EXPECT_EQ(MessageOf<ParseException>([&] { SamlTokenImpl("", ParsedAssertion(assertion)); }),
               "Failed to parse Group Identity value: `nobody'; domain or group missing");
 }
 
 TEST(SamlToken, IsRefusedForAnyDelegatesName) {
     ParsedAssertion assertion = Least();
     assertion.conditions.delegation = {{DateTime(), Upn("one@a")}, {DateTime(), {"urn:f", "x@y"}}};
-    EXPECT_EQ(MessageOf<ParseException>([&] { SamlTokenImpl("", assertion); }),
+    EXPECT_EQ(MessageOf<ParseException>([&] { SamlTokenImpl("", ParsedAssertion(assertion)); }),
               "Invalid or unsupported NameId format 'urn:f'");
     assertion.conditions.delegation = {{DateTime(), Upn("@a")}, {DateTime(), Upn("two@b")}};
-    EXPECT_EQ(MessageOf<ParseException>([&] { SamlTokenImpl("", assertion); }),
+    EXPECT_EQ(MessageOf<ParseException>([&] { SamlTokenImpl("", ParsedAssertion(assertion)); }),
               "Failed to parse the UPN NameID: `@a'; name or domain part is missing.");
 }
 
