@@ -1,0 +1,1 @@
+// Only so that there is something to precompile headers for; see ../CMakeLists.txt.
