@@ -119,7 +119,7 @@ void WriteToStandardOutput(const std::string& token) {
 }
 
 ExitStatus Complain(const std::exception& reason, ExitStatus status) {
-    std::cerr << reason.what() << '\n';
+    std::cerr << "sign_token: " << reason.what() << '\n';
     return status;
 }
 
