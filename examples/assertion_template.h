@@ -69,7 +69,7 @@ inline boost::intrusive_ptr<Document> Fill(const std::string& id, const Argument
     Replace(xml, "@ID@", id);
     Replace(xml, "@ISSUED@", MinutesFromNow(arguments.start));
     Replace(xml, "@EXPIRES@", MinutesFromNow(arguments.start + arguments.lifetime));
-    const boost::intrusive_ptr<Document> document = Parse(xml);
+    boost::intrusive_ptr<Document> document = Parse(xml);
 
     ElementNode& assertion = *document->GetRootElement();
     if (!arguments.subject.empty())

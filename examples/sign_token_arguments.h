@@ -76,7 +76,7 @@ inline CLI::Validator TwoParts(char separator, const std::string& form) {
 /// \return Nothing when help was asked for and given.
 /// \throws UnusableArgument
 inline std::optional<Arguments> ReadArguments(int count, char** values) {
-    constexpr std::int64_t kMostMinutes = 366 * 24 * 60;
+    constexpr std::int64_t kMostMinutes = 527040;  // of a leap year
     Arguments arguments;
     std::string assertion = UNSIGNED_ASSERTION;
     std::string key;
