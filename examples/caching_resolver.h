@@ -8,11 +8,10 @@
 /// - A certificate that expires, or that the inner resolver would refuse from now on for any other
 ///   reason, stays accepted until its entry is too old: choose the age as the time for which that
 ///   is bearable, minutes rather than hours. Use does not make an entry younger.
-/// - Whom to trust is changed by making a new resolver around a new inner one and swapping the two
-/// in
-///   the service (`std::atomic_store`, or a mutex). The new one is empty: nothing that the old one
-///   offered survives it. The inner resolver of an existing one cannot be changed, since an answer
-///   that it is giving at that time would be remembered after the change.
+/// - Whom to trust is changed by making a new resolver around a new inner one and swapping the
+///   pointer under a lock. The new one is empty: nothing that the old one offered survives it. The
+///   inner resolver of an existing one cannot be changed, since an answer that it is giving at that
+///   time would be remembered after the change.
 /// - Signatures are verified as before, with the keys that are remembered; a key is never offered
 ///   unless the inner resolver offered it for the same key information within that age.
 /// - Refusals are not remembered, nor is what the inner resolver throws: anybody can send new

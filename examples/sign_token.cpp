@@ -83,8 +83,10 @@ std::string Issue(const Arguments& arguments) {
         const std::string id = NewIdentifier();
         const boost::intrusive_ptr<Document> document = AssertionTemplate::Fill(id, arguments);
         Sign(*document->GetRootElement(), id, arguments);
-        Saml::StringWriter token;
-        document->GetRootElement()->Write(token);
+        boost::intrusive_ptr<Canonicalizer> canonicalizer;
+        CreateCanonicalizer(Algorithm::InclusiveC14N, canonicalizer);
+        Saml::StringWriter token;  // what was signed; Node::Write is for people and loses things
+        canonicalizer->Canonicalize(document->GetRootElement(), token);
         ExpectAcceptable(token.data, arguments.certificates.front());
         return token.data;
     } catch (const SignatureGenerationException& reason) {

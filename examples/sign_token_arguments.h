@@ -54,8 +54,8 @@ inline Saml::ByteBlob ReadPem(const std::string& path,
     return der;
 }
 
-/// The DOM writes other characters in the place of control characters: what is signed would not be
-/// what is sent.
+/// Most control characters cannot stand in XML at all, and Node::Write replaces those that can:
+/// what is signed would not be what is sent on.
 inline std::string WhyUnwritable(const std::string& text) {
     const auto isControl = [](unsigned char byte) { return byte < 0x20 || byte == 0x7f; };
     const bool found = std::any_of(text.begin(), text.end(), isControl);
