@@ -29,7 +29,8 @@ const std::set<std::string> kVerificationClasses = {
     "DuplicateURIException",
 };
 
-/// The conversions on the roads of verifying and of signing.
+/// The forms in which the roads of verifying and of signing let it out: one of them must be on the
+/// page.
 std::vector<Form> FormsOf(const std::string& thrown) {
     if (thrown.empty())  // a table or another file throws it: as whatever class
         return {{"", ""}, {"", kSyntax}, {"", kVerification}, {"", kCrypto}};
@@ -37,11 +38,10 @@ std::vector<Form> FormsOf(const std::string& thrown) {
         return {{thrown, kCrypto},
                 {"InvalidSignatureException", kVerification + kCrypto},
                 {"SignatureGenerationException", kCrypto}};
-    std::vector<Form> forms{{thrown, ""}};
-    if (thrown == "SignatureSyntaxException") forms.push_back({"ParseException", kSyntax});
+    if (thrown == "SignatureSyntaxException") return {{"ParseException", kSyntax}};
     if (kVerificationClasses.count(thrown) == 1)
-        forms.push_back({"InvalidSignatureException", kVerification});
-    return forms;
+        return {{"InvalidSignatureException", kVerification}};
+    return {{thrown, ""}};
 }
 
 bool Says(std::string_view message, const SourceText& text, const SourceTexts& sources) {

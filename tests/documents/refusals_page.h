@@ -31,8 +31,8 @@ class RefusalsPage {
     /// Of the table for people in a hurry.
     const std::vector<std::string>& Beginnings() const noexcept { return beginnings_; }
 
-    /// True when callers can find a message of the sources: in a row for each class that is thrown
-    /// with it, as it comes out of the token functions, or for that class itself.
+    /// True when callers can find a message of the sources as it comes out of the token functions:
+    /// in a row for each class that is thrown with it, converted where it is converted.
     bool Has(const SourceText& text, const SourceTexts& sources) const;
 
     /// The row that says this of an exception that was thrown; null when there is none.
