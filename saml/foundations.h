@@ -35,13 +35,16 @@ namespace Saml {
 using ByteBlob = std::shared_ptr<const std::vector<unsigned char>>;
 
 /// Root of everything that the library throws on its own account. Where memory runs out, the
-/// standard library's `std::bad_alloc` or `std::length_error` passes unchanged.
+/// standard library's `std::bad_alloc` or `std::length_error` passes unchanged, but for a document
+/// handler's: like all that a handler throws, it stops the parse ("parsing aborted").
 /// Threads: exceptions are values, nothing is shared.
 class SAML_API Exception : public std::exception {
   public:
     /// \param message  Returned by `what()` unchanged.
     explicit Exception(const std::string& message);
+    /// Copies the message.
     Exception(const Exception&) = default;
+    /// Copies the message.
     Exception& operator=(const Exception&) = default;
     ~Exception() override;
 
@@ -56,8 +59,11 @@ class SAML_API Exception : public std::exception {
 /// Root of the failures of token processing.
 class SAML_API SsoException : public Exception {
   public:
+    /// From a message that `what()` returns unchanged.
     using Exception::Exception;
+    /// Copies the message.
     SsoException(const SsoException&) = default;
+    /// Copies the message.
     SsoException& operator=(const SsoException&) = default;
     ~SsoException() override;
 };
@@ -65,8 +71,11 @@ class SAML_API SsoException : public Exception {
 /// The token is not acceptable. Catching this class catches every rejection of a token by value.
 class SAML_API InvalidTokenException : public SsoException {
   public:
+    /// From a message that `what()` returns unchanged.
     using SsoException::SsoException;
+    /// Copies the message.
     InvalidTokenException(const InvalidTokenException&) = default;
+    /// Copies the message.
     InvalidTokenException& operator=(const InvalidTokenException&) = default;
     ~InvalidTokenException() override;
 };
@@ -74,8 +83,11 @@ class SAML_API InvalidTokenException : public SsoException {
 /// The token's signature does not verify, or its verification could not be carried out.
 class SAML_API InvalidSignatureException : public InvalidTokenException {
   public:
+    /// From a message that `what()` returns unchanged.
     using InvalidTokenException::InvalidTokenException;
+    /// Copies the message.
     InvalidSignatureException(const InvalidSignatureException&) = default;
+    /// Copies the message.
     InvalidSignatureException& operator=(const InvalidSignatureException&) = default;
     ~InvalidSignatureException() override;
 };
@@ -84,8 +96,11 @@ class SAML_API InvalidSignatureException : public InvalidTokenException {
 /// names are refused.
 class SAML_API ParseException : public InvalidTokenException {
   public:
+    /// From a message that `what()` returns unchanged.
     using InvalidTokenException::InvalidTokenException;
+    /// Copies the message.
     ParseException(const ParseException&) = default;
+    /// Copies the message.
     ParseException& operator=(const ParseException&) = default;
     ~ParseException() override;
 };
@@ -97,7 +112,9 @@ class SAML_API TypeMismatchException : public Exception {
     /// `found`. The names are the platform's human-readable ones; where the platform cannot give
     /// one, its raw name stands in.
     TypeMismatchException(const std::type_info& expected, const std::type_info& found);
+    /// Copies the message.
     TypeMismatchException(const TypeMismatchException&) = default;
+    /// Copies the message.
     TypeMismatchException& operator=(const TypeMismatchException&) = default;
     ~TypeMismatchException() override;
 };
@@ -105,8 +122,11 @@ class SAML_API TypeMismatchException : public Exception {
 /// A caller passed an argument that the operation refuses; the document model's child rules, too.
 class SAML_API InvalidArgumentException : public Exception {
   public:
+    /// From a message that `what()` returns unchanged.
     using Exception::Exception;
+    /// Copies the message.
     InvalidArgumentException(const InvalidArgumentException&) = default;
+    /// Copies the message.
     InvalidArgumentException& operator=(const InvalidArgumentException&) = default;
     ~InvalidArgumentException() override;
 };
@@ -114,8 +134,11 @@ class SAML_API InvalidArgumentException : public Exception {
 /// An internal consistency failure.
 class SAML_API InternalErrorException : public Exception {
   public:
+    /// From a message that `what()` returns unchanged.
     using Exception::Exception;
+    /// Copies the message.
     InternalErrorException(const InternalErrorException&) = default;
+    /// Copies the message.
     InternalErrorException& operator=(const InternalErrorException&) = default;
     ~InternalErrorException() override;
 };
@@ -127,7 +150,9 @@ class SAML_API XMLParseException : public Exception {
   public:
     /// Stores both arguments unchanged.
     XMLParseException(const std::string& message, std::uint32_t line);
+    /// Copies the message.
     XMLParseException(const XMLParseException&) = default;
+    /// Copies the message.
     XMLParseException& operator=(const XMLParseException&) = default;
     ~XMLParseException() override;
 
@@ -141,7 +166,9 @@ class SAML_API ParsingAbortedException : public Exception {
   public:
     /// The message is empty: the class itself is the information.
     ParsingAbortedException();
+    /// Copies the message.
     ParsingAbortedException(const ParsingAbortedException&) = default;
+    /// Copies the message.
     ParsingAbortedException& operator=(const ParsingAbortedException&) = default;
     ~ParsingAbortedException() override;
 };
@@ -154,7 +181,9 @@ class SAML_API CryptoException : public Exception {
   public:
     /// The message is "Crypto Exception: " followed by `detail`.
     explicit CryptoException(const std::string& detail);
+    /// Copies the message.
     CryptoException(const CryptoException&) = default;
+    /// Copies the message.
     CryptoException& operator=(const CryptoException&) = default;
     ~CryptoException() override;
 };
@@ -162,8 +191,11 @@ class SAML_API CryptoException : public Exception {
 /// Root of the failures of XML signatures (W3C xmldsig-core).
 class SAML_API XmlSecurityException : public Exception {
   public:
+    /// From a message that `what()` returns unchanged.
     using Exception::Exception;
+    /// Copies the message.
     XmlSecurityException(const XmlSecurityException&) = default;
+    /// Copies the message.
     XmlSecurityException& operator=(const XmlSecurityException&) = default;
     ~XmlSecurityException() override;
 };
@@ -171,8 +203,11 @@ class SAML_API XmlSecurityException : public Exception {
 /// A canonicalization identifier is not supported where it is used.
 class SAML_API UnsupportedCanonicalizationException : public XmlSecurityException {
   public:
+    /// From a message that `what()` returns unchanged.
     using XmlSecurityException::XmlSecurityException;
+    /// Copies the message.
     UnsupportedCanonicalizationException(const UnsupportedCanonicalizationException&) = default;
+    /// Copies the message.
     UnsupportedCanonicalizationException& operator=(const UnsupportedCanonicalizationException&) =
         default;
     ~UnsupportedCanonicalizationException() override;
@@ -181,8 +216,11 @@ class SAML_API UnsupportedCanonicalizationException : public XmlSecurityExceptio
 /// A digest identifier is not supported.
 class SAML_API UnsupportedHashAlgorithmException : public XmlSecurityException {
   public:
+    /// From a message that `what()` returns unchanged.
     using XmlSecurityException::XmlSecurityException;
+    /// Copies the message.
     UnsupportedHashAlgorithmException(const UnsupportedHashAlgorithmException&) = default;
+    /// Copies the message.
     UnsupportedHashAlgorithmException& operator=(const UnsupportedHashAlgorithmException&) =
         default;
     ~UnsupportedHashAlgorithmException() override;
@@ -191,8 +229,11 @@ class SAML_API UnsupportedHashAlgorithmException : public XmlSecurityException {
 /// A signature method identifier is not supported.
 class SAML_API UnsupportedSignAlgorithmException : public XmlSecurityException {
   public:
+    /// From a message that `what()` returns unchanged.
     using XmlSecurityException::XmlSecurityException;
+    /// Copies the message.
     UnsupportedSignAlgorithmException(const UnsupportedSignAlgorithmException&) = default;
+    /// Copies the message.
     UnsupportedSignAlgorithmException& operator=(const UnsupportedSignAlgorithmException&) =
         default;
     ~UnsupportedSignAlgorithmException() override;
@@ -201,8 +242,11 @@ class SAML_API UnsupportedSignAlgorithmException : public XmlSecurityException {
 /// A `Signature` element does not have the accepted structure.
 class SAML_API SignatureSyntaxException : public XmlSecurityException {
   public:
+    /// From a message that `what()` returns unchanged.
     using XmlSecurityException::XmlSecurityException;
+    /// Copies the message.
     SignatureSyntaxException(const SignatureSyntaxException&) = default;
+    /// Copies the message.
     SignatureSyntaxException& operator=(const SignatureSyntaxException&) = default;
     ~SignatureSyntaxException() override;
 };
@@ -210,8 +254,11 @@ class SAML_API SignatureSyntaxException : public XmlSecurityException {
 /// The cryptographic library failed while a signature was made.
 class SAML_API SignatureGenerationException : public XmlSecurityException {
   public:
+    /// From a message that `what()` returns unchanged.
     using XmlSecurityException::XmlSecurityException;
+    /// Copies the message.
     SignatureGenerationException(const SignatureGenerationException&) = default;
+    /// Copies the message.
     SignatureGenerationException& operator=(const SignatureGenerationException&) = default;
     ~SignatureGenerationException() override;
 };
@@ -219,8 +266,11 @@ class SAML_API SignatureGenerationException : public XmlSecurityException {
 /// A signature could not be checked: no key was offered, or the cryptographic library failed.
 class SAML_API SignatureVerificationException : public XmlSecurityException {
   public:
+    /// From a message that `what()` returns unchanged.
     using XmlSecurityException::XmlSecurityException;
+    /// Copies the message.
     SignatureVerificationException(const SignatureVerificationException&) = default;
+    /// Copies the message.
     SignatureVerificationException& operator=(const SignatureVerificationException&) = default;
     ~SignatureVerificationException() override;
 };
@@ -228,8 +278,11 @@ class SAML_API SignatureVerificationException : public XmlSecurityException {
 /// A reference's URI names no element.
 class SAML_API MissingReferentException : public XmlSecurityException {
   public:
+    /// From a message that `what()` returns unchanged.
     using XmlSecurityException::XmlSecurityException;
+    /// Copies the message.
     MissingReferentException(const MissingReferentException&) = default;
+    /// Copies the message.
     MissingReferentException& operator=(const MissingReferentException&) = default;
     ~MissingReferentException() override;
 };
@@ -237,8 +290,11 @@ class SAML_API MissingReferentException : public XmlSecurityException {
 /// A reference's URI names more than one element.
 class SAML_API DuplicateURIException : public XmlSecurityException {
   public:
+    /// From a message that `what()` returns unchanged.
     using XmlSecurityException::XmlSecurityException;
+    /// Copies the message.
     DuplicateURIException(const DuplicateURIException&) = default;
+    /// Copies the message.
     DuplicateURIException& operator=(const DuplicateURIException&) = default;
     ~DuplicateURIException() override;
 };
@@ -251,6 +307,7 @@ class SAML_API DuplicateURIException : public XmlSecurityException {
 class SAML_API Base64 {
   public:
     Base64() = default;
+    /// Copies nothing: there is no state.
     Base64(const Base64&) = default;
     /// Does nothing: there is no state to assign.
     Base64& operator=(const Base64& other);
@@ -282,7 +339,9 @@ class SAML_API DateTime {
   public:
     /// The epoch: text "1970-01-01T00:00:00.000Z", 0 seconds.
     DateTime();
+    /// The same text and the same seconds.
     DateTime(const DateTime& other);
+    /// Takes over text and seconds.
     DateTime& operator=(const DateTime& other);
     ~DateTime();
 

@@ -26,16 +26,24 @@ constexpr char InclusiveC14N[] = "http://www.w3.org/TR/2001/REC-xml-c14n-2001031
 /// Exclusive XML Canonicalization 1.0 without comments; the only form that signatures may use.
 constexpr char ExclusiveC14N[] = "http://www.w3.org/2001/10/xml-exc-c14n#";
 
+/// SHA-1; accepted since old signatures need it. A resolver of your own can refuse it.
 constexpr char Sha1[] = "http://www.w3.org/2000/09/xmldsig#sha1";
+/// SHA-256 (xmlenc-core).
 constexpr char Sha256[] = "http://www.w3.org/2001/04/xmlenc#sha256";
+/// SHA-384, in a spelling of the same family as its neighbours.
 constexpr char Sha384[] = "http://www.w3.org/2001/04/xmlenc#sha384";
+/// SHA-512 (xmlenc-core).
 constexpr char Sha512[] = "http://www.w3.org/2001/04/xmlenc#sha512";
 /// SHA-384 as RFC 4051 names it; the spelling that other signers use.
 constexpr char Sha384Rfc4051[] = "http://www.w3.org/2001/04/xmldsig-more#sha384";
 
+/// RSA with PKCS #1 v1.5 padding (RFC 8017, section 8.2) and SHA-1.
 constexpr char RsaSha1[] = "http://www.w3.org/2000/09/xmldsig#rsa-sha1";
+/// The same with SHA-256 (RFC 4051); the one to choose.
 constexpr char RsaSha256[] = "http://www.w3.org/2001/04/xmldsig-more#rsa-sha256";
+/// The same with SHA-384.
 constexpr char RsaSha384[] = "http://www.w3.org/2001/04/xmldsig-more#rsa-sha384";
+/// The same with SHA-512.
 constexpr char RsaSha512[] = "http://www.w3.org/2001/04/xmldsig-more#rsa-sha512";
 }  // namespace Algorithm
 
@@ -90,6 +98,7 @@ class SAML_API SignatureReference
     /// \throws MissingReferentException  There is none, or the URI has another form.
     /// \throws DuplicateURIException     There are several.
     virtual ElementNode* GetReferent() = 0;
+    /// The identifier as it is written; not checked until a digest is made.
     virtual const std::string& GetDigestMethod() = 0;
     /// Empty when the reference has no canonicalization transform.
     virtual const std::string& GetCanonicalizationMethod() = 0;
@@ -195,7 +204,9 @@ class SAML_API Signature
 
     /// The `Signature` element; borrowed, alive as long as this object.
     virtual ElementNode* GetElement() = 0;
+    /// That of `SignedInfo`, as it is written.
     virtual const std::string& GetCanonicalizationMethod() = 0;
+    /// The identifier as it is written.
     virtual const std::string& GetSignatureMethod() = 0;
     /// Replaces `out` by the references in document order.
     virtual void GetReferences(std::list<boost::intrusive_ptr<SignatureReference>>& out) = 0;

@@ -37,8 +37,8 @@ constexpr std::int64_t DefaultClockTolerance = 600;
 
 /// Names a user, a group or a delegate.
 struct PrincipalId {
-    std::string Name;
-    std::string Domain;
+    std::string Name;    ///< Without the domain.
+    std::string Domain;  ///< Whose name it is.
 
     /// Compares both fields without regard to case, character by character under the process's
     /// global `std::locale`. Note that the delegation rules compare names exactly instead.
@@ -53,27 +53,27 @@ enum class ConfirmationType : std::int32_t {
 
 /// The subject's names; each is empty when the token does not give it.
 struct PersonName {
-    std::string FirstName;
-    std::string LastName;
+    std::string FirstName;  ///< The given name.
+    std::string LastName;   ///< The family name.
 };
 
 /// One link of the delegation chain.
 struct DelegateInfo {
-    PrincipalId Delegate;
-    DateTime DelegationInstant;
+    PrincipalId Delegate;        ///< Who acts for the subject.
+    DateTime DelegationInstant;  ///< Since when.
 };
 
 /// One `Attribute` (SAML core 2.7.3.1).
 struct SamlAttribute {
-    std::string Name;
-    std::string NameFormat;
+    std::string Name;                 ///< Usually a URI.
+    std::string NameFormat;           ///< How the name is to be read, a URI, too.
     std::string FriendlyName;         ///< Empty when absent.
     std::vector<std::string> Values;  ///< In document order.
 };
 
 /// One advice entry of the identity provider's extension namespace.
 struct Advice {
-    std::string AdviceSource;
+    std::string AdviceSource;               ///< Who gives the advice.
     std::vector<SamlAttribute> Attributes;  ///< In document order.
 };
 
@@ -97,6 +97,7 @@ class SAML_API SamlToken {
     virtual bool IsDelegable() const = 0;
     /// True when the subject is a solution user.
     virtual bool IsSolution() const = 0;
+    /// How the caller shows that it is the subject; see `ConfirmationType`.
     virtual ConfirmationType GetConfirmationType() const = 0;
     /// Assigns both names to `name`.
     virtual void GetPersonName(PersonName& name) const = 0;

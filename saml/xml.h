@@ -18,18 +18,18 @@ class ElementNode;
 
 /// What `Node::GetType` answers.
 namespace NodeType {
-constexpr std::int32_t Document = 0;
-constexpr std::int32_t Text = 1;
-constexpr std::int32_t CData = 2;
-constexpr std::int32_t Comment = 3;
-constexpr std::int32_t Element = 4;
-constexpr std::int32_t ProcessingInstruction = 5;
+constexpr std::int32_t Document = 0;               ///< A `Document`.
+constexpr std::int32_t Text = 1;                   ///< A `TextNode`.
+constexpr std::int32_t CData = 2;                  ///< A `CDataNode`.
+constexpr std::int32_t Comment = 3;                ///< A `CommentNode`.
+constexpr std::int32_t Element = 4;                ///< An `ElementNode`.
+constexpr std::int32_t ProcessingInstruction = 5;  ///< A `ProcessingInstructionNode`.
 }  // namespace NodeType
 
 /// A name as Namespaces in XML 1.0 defines it: namespace URI (empty: no namespace) and local part.
 struct ExpandedName {
-    std::string namespaceUri;
-    std::string localName;
+    std::string namespaceUri;  ///< Empty for no namespace.
+    std::string localName;     ///< The name without its prefix.
 };
 
 /// A node of a document tree.
@@ -52,8 +52,11 @@ class SAML_API Node : public boost::intrusive_ref_counter<Node, boost::thread_sa
     virtual Node* GetParent() = 0;
     /// Null when there is none; so the next three.
     virtual Node* GetFirstChild() = 0;
+    /// The last child.
     virtual Node* GetLastChild() = 0;
+    /// The child of the same parent that follows.
     virtual Node* GetNextSibling() = 0;
+    /// The child of the same parent that comes before.
     virtual Node* GetPreviousSibling() = 0;
 
     /// Makes `child` the last child of this node, taking it from its old parent if it has one.
@@ -114,6 +117,7 @@ class SAML_API TextNode : public virtual Node {
     ~TextNode() override;
     /// The characters, entities already replaced.
     virtual const std::string& GetText() = 0;
+    /// Replaces the characters; they are escaped when they are written.
     virtual void SetText(const std::string& text) = 0;
     /// Appends `length` bytes; a `length` below 1 appends nothing.
     virtual void AppendText(const char* data, int length) = 0;
@@ -135,7 +139,9 @@ class SAML_API CDataNode : public virtual Node {
 class SAML_API CommentNode : public virtual Node {
   public:
     ~CommentNode() override;
+    /// What stands between the delimiters.
     virtual const std::string& GetText() = 0;
+    /// Replaces it; not checked for the delimiters, since comments are not written.
     virtual void SetText(const std::string& text) = 0;
 
   protected:
@@ -146,9 +152,13 @@ class SAML_API CommentNode : public virtual Node {
 class SAML_API ProcessingInstructionNode : public virtual Node {
   public:
     ~ProcessingInstructionNode() override;
+    /// The name at its start.
     virtual const std::string& GetTarget() = 0;
+    /// Replaces the name.
     virtual void SetTarget(const std::string& target) = 0;
+    /// What follows the name, without the blanks between; may be empty.
     virtual const std::string& GetData() = 0;
+    /// Replaces what follows the name.
     virtual void SetData(const std::string& data) = 0;
 
   protected:
@@ -166,12 +176,16 @@ class SAML_API ElementNode : public virtual Node {
 
     /// Typed shortcuts with the effect of `Node::AppendChild`.
     virtual void AppendChild(TextNode* child) = 0;
+    /// The same for an element.
     virtual void AppendChild(ElementNode* child) = 0;
 
     /// Empty for an element without prefix.
     virtual const std::string& GetPrefix() = 0;
+    /// Changes the prefix and nothing else: who needs a declaration of it adds that attribute.
     virtual void SetPrefix(const std::string& prefix) = 0;
+    /// The name without its prefix.
     virtual const std::string& GetLocalName() = 0;
+    /// Changes the name behind the prefix.
     virtual void SetLocalName(const std::string& localName) = 0;
     /// "prefix:local", or the local name alone when the prefix is empty.
     virtual std::string GetQualifiedName() = 0;
@@ -181,6 +195,7 @@ class SAML_API ElementNode : public virtual Node {
     /// Where the start tag stood in the parsed text, lines counted from 1, columns from 0; -1 for
     /// an element made by `CreateElementNode`.
     virtual std::int32_t GetLine() = 0;
+    /// The column of that place.
     virtual std::int32_t GetColumn() = 0;
 
     /// Looks up the attribute with this written name.
@@ -220,8 +235,12 @@ class SAML_API Document : public virtual Node {
     virtual void SetRootElement(ElementNode* root) = 0;
     /// What the XML declaration said; empty without one.
     virtual const std::string& GetVersion() = 0;
+    /// Replaces it.
     virtual void SetVersion(const std::string& version) = 0;
+    /// What the XML declaration said; empty when it said nothing of it. Texts are UTF-8 all the
+    /// same.
     virtual const std::string& GetEncoding() = 0;
+    /// Replaces it; nothing is converted.
     virtual void SetEncoding(const std::string& encoding) = 0;
 
   protected:
@@ -231,10 +250,15 @@ class SAML_API Document : public virtual Node {
 /// The factories give a new, empty, detached node with a reference count of zero: adopt it at once,
 /// as in `boost::intrusive_ptr<Document> document(CreateDocument());`.
 SAML_API Document* CreateDocument();
+/// An element without attributes; `prefix` may be empty.
 SAML_API ElementNode* CreateElementNode(const std::string& prefix, const std::string& localName);
+/// An empty text.
 SAML_API TextNode* CreateTextNode();
+/// An empty section.
 SAML_API CDataNode* CreateCDataNode();
+/// An empty comment.
 SAML_API CommentNode* CreateCommentNode();
+/// A processing instruction without target and data.
 SAML_API ProcessingInstructionNode* CreateProcessingInstructionNode();
 
 /// Receives the events of a parser, one call an event. What an implementation throws does not reach
@@ -246,6 +270,7 @@ class SAML_API XMLHandler
   public:
     virtual ~XMLHandler();
 
+    /// A processing instruction.
     virtual void ProcessingInstruction(const std::string& target, const std::string& data) = 0;
     /// \param line        Counted from 1.
     /// \param column      Counted from 0.
@@ -253,9 +278,13 @@ class SAML_API XMLHandler
     ///                    values are unescaped and normalised. Borrowed for the call.
     virtual void StartElement(const std::string& qualifiedName, unsigned line, unsigned column,
                               const char** attributes) = 0;
+    /// The end of the element that was opened last and is not closed yet.
     virtual void EndElement(const std::string& qualifiedName) = 0;
+    /// A CDATA section begins; its characters follow.
     virtual void StartCData() = 0;
+    /// The CDATA section ends.
     virtual void EndCData() = 0;
+    /// A comment.
     virtual void Comment(const std::string& text) = 0;
     /// A run of character data, not terminated; one text may come in several runs.
     virtual void Characters(const char* data, int length) = 0;
@@ -304,11 +333,13 @@ class SAML_API XMLParser
     virtual void Parse(Reader& input, bool enforceLimits, boost::intrusive_ptr<Node>& document) = 0;
     /// The same two without limits.
     virtual void Parse(const std::string& text, boost::intrusive_ptr<Node>& document) = 0;
+    /// The same from a reader.
     virtual void Parse(Reader& input, boost::intrusive_ptr<Node>& document) = 0;
 
     /// Replaces the handler, which the parser keeps alive.
     /// \throws InvalidArgumentException  `handler` is null.
     virtual void SetHandler(XMLHandler* handler) = 0;
+    /// The handler of the next parse; borrowed.
     virtual XMLHandler* GetHandler() = 0;
 
     XMLParser(const XMLParser&) = delete;

@@ -9,8 +9,15 @@ namespace {
 
 using namespace Saml::Xml;
 
+// U+00AA, U+00B5 and U+00BA: expat takes them for letters in ISO-8859-1, and refuses them in UTF-8.
+bool HasLetterOfLatin1Only(std::string_view name) {
+    for (const std::string_view letter : {"\xC2\xAA", "\xC2\xB5", "\xC2\xBA"})
+        if (name.find(letter) != std::string_view::npos) return true;
+    return false;
+}
+
 bool IsWrittenAsItIs(std::string_view name) {
-    return name.front() != ':' && name != "xmlns:";
+    return name.front() != ':' && name != "xmlns:" && !HasLetterOfLatin1Only(name);
 }
 
 class NameWatcher final : public IgnoringHandler {

@@ -26,8 +26,9 @@ std::vector<Saml::Xml::ElementNode*> ElementsOf(Saml::Xml::Document& document,
 
 std::vector<Saml::Xml::Node*> ChildrenOf(Saml::Xml::Node& parent);
 
-/// False when a name would come out of the library's writers as another one: names are split at
-/// their first colon, and nothing remembers a colon in front.
+/// False when a name would come out of the library's writers as another one, or as none: names are
+/// split at their first colon, and nothing remembers a colon in front; and what is written is
+/// UTF-8.
 bool NamesSurvive(std::string_view text);
 
 /// The canonical form; nothing when canonicalization refuses to repeat declarations any further.

@@ -11,21 +11,35 @@ bool BeginsWith(std::string_view text, std::string_view beginning) {
     return text.substr(0, beginning.size()) == beginning;
 }
 
-/// The same from the text at `place` of the pattern on.
-bool ReadsFrom(std::string_view text, const Pattern& pattern, std::size_t place, const Gap& fills) {
-    if (!BeginsWith(text, pattern[place])) return false;
-    text.remove_prefix(pattern[place].size());
-    if (place + 1 == pattern.size()) return text.empty();
-    for (std::size_t end = 0; end <= text.size(); ++end)
-        if (ReadsFrom(text.substr(end), pattern, place + 1, fills) && fills(text.substr(0, end)))
-            return true;
-    return false;
-}
+/// How far a text was read: to where, and by how many pieces of the pattern.
+struct Reading {
+    std::size_t pieces;
+    std::size_t at;
+};
 
 }  // namespace
 
 bool Reads(std::string_view text, const Pattern& pattern, const Gap& fills) {
-    return ReadsFrom(text, pattern, 0, fills);
+    if (!BeginsWith(text, pattern.front())) return false;
+    std::vector<Reading> open{{1, pattern.front().size()}};
+    while (!open.empty()) {
+        const Reading reading = open.back();
+        open.pop_back();
+        if (reading.pieces == pattern.size()) {
+            if (reading.at == text.size()) return true;
+            continue;
+        }
+        const std::string& piece = pattern[reading.pieces];
+        const bool isLast = reading.pieces + 1 == pattern.size();
+        for (std::size_t gapEnd = text.find(piece, reading.at); gapEnd != std::string_view::npos;
+             gapEnd = text.find(piece, gapEnd + 1)) {
+            const std::size_t end = gapEnd + piece.size();
+            if (isLast && end != text.size()) continue;
+            if (fills(text.substr(reading.at, gapEnd - reading.at)))
+                open.push_back({reading.pieces + 1, end});
+        }
+    }
+    return false;
 }
 
 bool IsPlaceholder(std::string_view text) {

@@ -178,6 +178,9 @@ TEST(Pattern, HasAGapForEachPlaceholder) {
     EXPECT_TRUE(Reads("axbx", {"a", "b", ""}, isLetter));
     EXPECT_FALSE(Reads("axby", {"a", "b", ""}, isLetter));
     EXPECT_FALSE(Reads("axb", {"a"}, isLetter));
+    const auto isLetters = [](std::string_view gap) { return gap == "xbx" || gap == "x"; };
+    EXPECT_TRUE(Reads("axbxbx", {"a", "b", ""}, isLetters));  // by the first b and by the second
+    EXPECT_FALSE(Reads("axbbx", {"a", "b", ""}, isLetters));
 }
 
 }  // namespace
