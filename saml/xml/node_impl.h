@@ -83,7 +83,8 @@ class NodeImpl : public virtual Node {
 };
 
 /// In place of the counter's own: a node that nobody else holds goes without counting down, since
-/// nobody else can tell.
+/// nobody else can tell. Boost names it.
+// NOLINTNEXTLINE(readability-identifier-naming)
 inline void intrusive_ptr_release(const NodeImpl* node) noexcept {
     if (node->use_count() == 1)
         delete node;
