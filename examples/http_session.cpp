@@ -39,6 +39,8 @@ HttpSession::HttpSession(Gate& gate, Socket socket, std::shared_ptr<const void> 
       connection_(std::move(connection)),
       buffer_(gate.MaxAuthorizationSize() + kOtherFields + kReadAhead) {}
 
+// Each step hands the next one to Asio, which calls it from its loop: a cycle, but no recursion.
+// NOLINTBEGIN(misc-no-recursion)
 void HttpSession::Start() {
     Error ignored;
     stream_.socket().set_option(boost::asio::ip::tcp::no_delay(true), ignored);
@@ -107,3 +109,4 @@ void HttpSession::Discard(std::size_t remaining) {
                                 if (!error && size < remaining) self->Discard(remaining - size);
                             });
 }
+// NOLINTEND(misc-no-recursion)

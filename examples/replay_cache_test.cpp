@@ -96,6 +96,7 @@ TEST(ReplayCache, LetsExactlyOneOfEightThreadsWin) {
     std::vector<std::atomic<int>> first(kTokens);
     std::vector<std::atomic<int>> again(kTokens);
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     for (int thread = 0; thread < kThreads; ++thread)
         threads.emplace_back([&] {
             ++ready;
