@@ -93,9 +93,7 @@ ExitStatus Verify(const Arguments& arguments, const std::string& text,
     }
 }
 
-}  // namespace
-
-int main(int count, char** values) {
+ExitStatus Run(int count, char** values) {
     Arguments arguments;
     CLI::App app("Says who the caller is, or why the token is refused.", "verify_token");
     app.add_option("TOKEN.xml", arguments.tokenPath, "The token")->required();
@@ -110,12 +108,21 @@ int main(int count, char** values) {
     app.footer("Exit status: 0 accepted, 1 refused (why on standard error), 2 unusable arguments.");
     try {
         app.parse(count, values);
-        const std::string text = ReadFile(arguments.tokenPath);
-        const auto resolver = CreateResolver(arguments.trustedPaths);
-        return arguments.explain || arguments.json ? ShowRoad(arguments, text, *resolver)
-                                                   : Verify(arguments, text, *resolver);
     } catch (const CLI::Success& help) {
-        return app.exit(help);
+        app.exit(help);
+        return Accepted;
+    }
+    const std::string text = ReadFile(arguments.tokenPath);
+    const auto resolver = CreateResolver(arguments.trustedPaths);
+    return arguments.explain || arguments.json ? ShowRoad(arguments, text, *resolver)
+                                               : Verify(arguments, text, *resolver);
+}
+
+}  // namespace
+
+int main(int count, char** values) {
+    try {
+        return Run(count, values);
     } catch (const std::exception& error) {
         std::cerr << "verify_token: " << error.what() << "; see --help\n";
         return UnusableArguments;

@@ -35,7 +35,8 @@ namespace Saml {
 using ByteBlob = std::shared_ptr<const std::vector<unsigned char>>;
 
 /// Root of everything that the library throws on its own account. Where memory runs out, the
-/// standard library's `std::bad_alloc` or `std::length_error` passes unchanged.
+/// standard library's `std::bad_alloc` or `std::length_error` passes unchanged, but for a document
+/// handler's: like all that a handler throws, it stops the parse ("parsing aborted").
 /// Threads: exceptions are values, nothing is shared.
 class SAML_API Exception : public std::exception {
   public:
