@@ -1,5 +1,6 @@
 #include "tool_output.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,14 +14,21 @@ namespace {
 
 using Names = std::set<std::string>;
 
+constexpr char kVersion[] = "SAMLTOKEN_1";
+
+// What nm prints of each symbol after its address, a letter and a blank: the name and its version.
+std::vector<std::string> VersionedNames() {
+    std::vector<std::string> names;
+    for (const std::string& line : OutputLines(NM " -D --defined-only -C '" LIBRARY_FILE "'"))
+        names.push_back(line.substr(line.find(' ') + 3));
+    return names;
+}
+
 // Constructors and destructors come in several variants of one name: a set tells of each once.
 Names ExportedNames() {
     Names names;
-    for (const std::string& line : OutputLines(NM " -D --defined-only -C '" LIBRARY_FILE "'")) {
-        const std::size_t type =
-            line.find(' ') + 1;  // after the address: a letter, a blank, a name
-        names.insert(line.substr(type + 2));
-    }
+    for (const std::string& name : VersionedNames())
+        if (name != kVersion) names.insert(name.substr(0, name.rfind("@@")));
     return names;
 }
 
@@ -50,6 +58,11 @@ TEST(ExportedSymbols, AreAllListed) {
 TEST(ExportedSymbols, IncludeAllThatAreListed) {
     EXPECT_EQ(LinesInFirstOnly(ListedNames(), ExportedNames()), "")
         << "in " EXPECTED_SYMBOLS_FILE ", but not exported";
+}
+
+TEST(ExportedSymbols, CarryTheMajorVersion) {
+    EXPECT_THAT(VersionedNames(),
+                testing::Each(testing::AnyOf(kVersion, testing::EndsWith("@@SAMLTOKEN_1"))));
 }
 
 TEST(ExportedSymbols, AreListedInOrderAndOnce) {
