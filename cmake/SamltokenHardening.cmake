@@ -27,6 +27,9 @@ if(SAMLTOKEN_HARDENING AND NOT SAMLTOKEN_INSTRUMENTATION AND NOT MSVC)
       target_compile_options(samltoken_hardening INTERFACE ${flag})
     endif()
   endforeach()
+  if(MINGW)  # what guards stacks is no part of C's library there; the DLL brings its own
+    target_link_libraries(samltoken_hardening INTERFACE -l:libssp.a)
+  endif()
   if(CMAKE_EXECUTABLE_FORMAT STREQUAL "ELF")
     # Everything resolved and made read-only before the first call; no executable stack.
     target_link_options(samltoken_hardening INTERFACE
