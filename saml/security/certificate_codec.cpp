@@ -36,7 +36,7 @@ bool TakeDerValue(Bytes& rest, Bytes& content) {
     const int form = ASN1_get_object(&at, &content.size, &tag, &tagClass, rest.size);
     if ((form & ~V_ASN1_CONSTRUCTED) != 0) return false;  // unreadable or of indefinite length
     content.data = at;
-    const long size = at - rest.data + content.size;
+    const long size = static_cast<long>(at - rest.data) + content.size;  // no more than there is
     rest = {rest.data + size, rest.size - size};
     return size == ASN1_object_size(form, static_cast<int>(content.size), tag);
 }
