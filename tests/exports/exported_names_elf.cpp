@@ -1,15 +1,11 @@
 #include "exported_names.h"
-#include "tool_output.h"
-
-#include <cstddef>
+#include "versioned_names.h"
 
 std::set<std::string> ExportedNames() {
     std::set<std::string> names;
-    for (const std::string& line : OutputLines(NM " -D --defined-only -C '" LIBRARY_FILE "'")) {
-        const std::size_t type =
-            line.find(' ') + 1;  // after the address: a letter, a blank, a name
-        names.insert(line.substr(type + 2));
-    }
+    for (const std::string& name : VersionedNames())
+        if (const auto version = name.rfind("@@"); version != std::string::npos)
+            names.insert(name.substr(0, version));
     return names;
 }
 
