@@ -15,11 +15,11 @@
 
 /// Marks what the shared library exports; everything else stays invisible to callers. On Windows it
 /// says at the same time where to look: whoever links the library's objects themselves, without a
-/// DLL, defines `SAML_LINKED_AS_OBJECTS`.
+/// DLL, defines `SAMLTOKEN_LINKED_AS_OBJECTS`.
 #if defined(_WIN32)
-#if defined(SAML_BUILDING_LIBRARY)
+#if defined(SAMLTOKEN_BUILDING_LIBRARY)
 #define SAMLTOKEN_API __declspec(dllexport)
-#elif defined(SAML_LINKED_AS_OBJECTS)
+#elif defined(SAMLTOKEN_LINKED_AS_OBJECTS)
 #define SAMLTOKEN_API
 #else
 #define SAMLTOKEN_API __declspec(dllimport)
