@@ -17,6 +17,7 @@ using TestKeys::CertificateNamed;
 using TestKeys::ForgedCertificate;
 using TestKeys::KeyNamed;
 using TestKeys::OpenSsl;
+using TestKeys::OpenSslText;
 using TestKeys::PathOf;
 using TestKeys::ToBlob;
 
@@ -194,7 +195,7 @@ TEST(ExtractX509PublicKeyFromCertificateBase64, GivesThePemOfTheCommandLine) {
     for (const char* const name : {"leaf", "ec-self-signed", "ed25519-self-signed"}) {
         SCOPED_TRACE(name);
         const std::string expected =
-            OpenSsl("x509 -pubkey -noout -in " + CertificateNamed(name).pemPath);
+            OpenSslText("x509 -pubkey -noout -in " + CertificateNamed(name).pemPath);
         EXPECT_EQ(expected.substr(0, 27), "-----BEGIN PUBLIC KEY-----\n");
         EXPECT_EQ(ExtractX509PublicKeyFromCertificateBase64(Base64Of(CertificateNamed(name).der)),
                   expected);

@@ -223,7 +223,7 @@ Key CreateKey(const std::string& name) {
             Quoted(key.pemPath));
     const std::string from = " -in " + Quoted(key.pemPath);
     key.pem = PlainLines(ReadFile(key.pemPath));
-    key.publicPem = PlainLines(OpenSsl("pkey -pubout" + from));
+    key.publicPem = OpenSslText("pkey -pubout" + from);
     key.privateKey = ToBlob(OpenSsl("pkey -traditional -outform DER" + from));
     const bool isRsa = kind == kKeyKinds.end() || kind->second.find("-algorithm RSA ") == 0;
     if (isRsa) key.publicKey = ToBlob(OpenSsl("rsa -RSAPublicKey_out -outform DER" + from));
@@ -282,6 +282,10 @@ std::string OpenSsl(const std::string& arguments) {
     if (std::system(command.c_str()) != 0)
         throw std::runtime_error(command + "\n" + ReadFile(complaints));
     return ReadFile(output);
+}
+
+std::string OpenSslText(const std::string& arguments) {
+    return PlainLines(OpenSsl(arguments));
 }
 
 ByteBlob ToBlob(const std::string& bytes) {

@@ -18,6 +18,8 @@ std::string ReadFile(const std::string& path);
 void WriteFile(const std::string& path, const std::string& bytes);
 /// Runs `openssl` with these arguments and gives what it writes to its standard output.
 std::string OpenSsl(const std::string& arguments);
+/// As `OpenSsl`, for text: its lines end with a newline alone on every platform.
+std::string OpenSslText(const std::string& arguments);
 
 ByteBlob ToBlob(const std::string& bytes);
 
