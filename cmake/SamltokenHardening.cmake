@@ -15,15 +15,21 @@ if(SAMLTOKEN_HARDENING AND NOT SAMLTOKEN_INSTRUMENTATION AND NOT MSVC)
   # Guarded and probed stacks; jumps and returns only to where they may go, by the processor's own
   # means (x86-64: CET, arm64: BTI and PAC). clang's own CFI is not used: it refuses calls of virtual
   # functions of classes that the caller derives, and deriving is how callers add resolvers.
-  foreach(flag IN ITEMS
-      -fstack-protector-strong -fstack-clash-protection -fcf-protection=full
-      -mbranch-protection=standard)
+  set(samltoken_hardening_flags
+    -fstack-protector-strong -fstack-clash-protection -fcf-protection=full -mbranch-protection=standard)
+  if(WIN32)  # stacks are probed anyway there; asked to do it, GCC 12 breaks down
+    list(REMOVE_ITEM samltoken_hardening_flags -fstack-clash-protection)
+  endif()
+  foreach(flag IN LISTS samltoken_hardening_flags)
     string(MAKE_C_IDENTIFIER "SAMLTOKEN_HAS${flag}" available)
     check_cxx_compiler_flag("-Werror ${flag}" ${available})
     if(${available})
       target_compile_options(samltoken_hardening INTERFACE ${flag})
     endif()
   endforeach()
+  if(MINGW)  # what guards stacks is no part of C's library there; the DLL brings its own
+    target_link_libraries(samltoken_hardening INTERFACE -l:libssp.a)
+  endif()
   if(CMAKE_EXECUTABLE_FORMAT STREQUAL "ELF")
     # Everything resolved and made read-only before the first call; no executable stack.
     target_link_options(samltoken_hardening INTERFACE

@@ -5,14 +5,17 @@ include(CMakePackageConfigHelpers)
 set(samltoken_headers_dir "${CMAKE_INSTALL_INCLUDEDIR}/samltoken")
 set(samltoken_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/samltoken")
 
+# `runtime` is what programs need, `development` what is needed to make them.
 install(TARGETS samltoken EXPORT samltokenTargets
         LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
-        ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"
-        RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
+                COMPONENT runtime NAMELINK_COMPONENT development
+        ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development
+        RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT runtime)
 install(FILES saml/foundations.h saml/xml.h saml/security.h saml/token.h
-        DESTINATION "${samltoken_headers_dir}/saml")
+        DESTINATION "${samltoken_headers_dir}/saml" COMPONENT development)
 
-install(EXPORT samltokenTargets NAMESPACE samltoken:: DESTINATION "${samltoken_package_dir}")
+install(EXPORT samltokenTargets NAMESPACE samltoken::
+        DESTINATION "${samltoken_package_dir}" COMPONENT development)
 configure_package_config_file(
   cmake/samltokenConfig.cmake.in "${PROJECT_BINARY_DIR}/samltokenConfig.cmake"
   INSTALL_DESTINATION "${samltoken_package_dir}")
@@ -20,7 +23,7 @@ write_basic_package_version_file("${PROJECT_BINARY_DIR}/samltokenConfigVersion.c
                                  COMPATIBILITY SameMajorVersion)
 install(FILES "${PROJECT_BINARY_DIR}/samltokenConfig.cmake"
               "${PROJECT_BINARY_DIR}/samltokenConfigVersion.cmake"
-        DESTINATION "${samltoken_package_dir}")
+        DESTINATION "${samltoken_package_dir}" COMPONENT development)
 
 # The prefix is told relative to the file itself, so that a copy may be moved or installed elsewhere
 # than configured. Absolute directories, which GNUInstallDirs allows, stay as they are.
@@ -40,4 +43,4 @@ foreach(kind LIBDIR INCLUDEDIR)
 endforeach()
 configure_file(cmake/samltoken.pc.in "${PROJECT_BINARY_DIR}/samltoken.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/samltoken.pc"
-        DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+        DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)

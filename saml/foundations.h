@@ -13,17 +13,21 @@
 #include <typeinfo>
 #include <vector>
 
-/// Marks what the shared library exports; everything else stays invisible to callers.
+/// Marks what the shared library exports; everything else stays invisible to callers. On Windows it
+/// says at the same time where to look: whoever links the library's objects themselves, without a
+/// DLL, defines `SAMLTOKEN_LINKED_AS_OBJECTS`.
 #if defined(_WIN32)
-#if defined(SAML_BUILDING_LIBRARY)
-#define SAML_API __declspec(dllexport)
+#if defined(SAMLTOKEN_BUILDING_LIBRARY)
+#define SAMLTOKEN_API __declspec(dllexport)
+#elif defined(SAMLTOKEN_LINKED_AS_OBJECTS)
+#define SAMLTOKEN_API
 #else
-#define SAML_API __declspec(dllimport)
+#define SAMLTOKEN_API __declspec(dllimport)
 #endif
 #elif defined(__GNUC__)
-#define SAML_API __attribute__((visibility("default")))
+#define SAMLTOKEN_API __attribute__((visibility("default")))
 #else
-#define SAML_API
+#define SAMLTOKEN_API
 #endif
 
 namespace Saml {
@@ -38,7 +42,7 @@ using ByteBlob = std::shared_ptr<const std::vector<unsigned char>>;
 /// standard library's `std::bad_alloc` or `std::length_error` passes unchanged, but for a document
 /// handler's: like all that a handler throws, it stops the parse ("parsing aborted").
 /// Threads: exceptions are values, nothing is shared.
-class SAML_API Exception : public std::exception {
+class SAMLTOKEN_API Exception : public std::exception {
   public:
     /// \param message  Returned by `what()` unchanged.
     explicit Exception(const std::string& message);
@@ -57,7 +61,7 @@ class SAML_API Exception : public std::exception {
 };
 
 /// Root of the failures of token processing.
-class SAML_API SsoException : public Exception {
+class SAMLTOKEN_API SsoException : public Exception {
   public:
     /// From a message that `what()` returns unchanged.
     using Exception::Exception;
@@ -69,7 +73,7 @@ class SAML_API SsoException : public Exception {
 };
 
 /// The token is not acceptable. Catching this class catches every rejection of a token by value.
-class SAML_API InvalidTokenException : public SsoException {
+class SAMLTOKEN_API InvalidTokenException : public SsoException {
   public:
     /// From a message that `what()` returns unchanged.
     using SsoException::SsoException;
@@ -81,7 +85,7 @@ class SAML_API InvalidTokenException : public SsoException {
 };
 
 /// The token's signature does not verify, or its verification could not be carried out.
-class SAML_API InvalidSignatureException : public InvalidTokenException {
+class SAMLTOKEN_API InvalidSignatureException : public InvalidTokenException {
   public:
     /// From a message that `what()` returns unchanged.
     using InvalidTokenException::InvalidTokenException;
@@ -94,7 +98,7 @@ class SAML_API InvalidSignatureException : public InvalidTokenException {
 
 /// The token's XML does not have the required SAML structure, or its validity window, delegation or
 /// names are refused.
-class SAML_API ParseException : public InvalidTokenException {
+class SAMLTOKEN_API ParseException : public InvalidTokenException {
   public:
     /// From a message that `what()` returns unchanged.
     using InvalidTokenException::InvalidTokenException;
@@ -106,7 +110,7 @@ class SAML_API ParseException : public InvalidTokenException {
 };
 
 /// An object was to be converted to a class that it does not have.
-class SAML_API TypeMismatchException : public Exception {
+class SAMLTOKEN_API TypeMismatchException : public Exception {
   public:
     /// The message is "Type Mismatch: expected: " + name of `expected` + ", found: " + name of
     /// `found`. The names are the platform's human-readable ones; where the platform cannot give
@@ -120,7 +124,7 @@ class SAML_API TypeMismatchException : public Exception {
 };
 
 /// A caller passed an argument that the operation refuses; the document model's child rules, too.
-class SAML_API InvalidArgumentException : public Exception {
+class SAMLTOKEN_API InvalidArgumentException : public Exception {
   public:
     /// From a message that `what()` returns unchanged.
     using Exception::Exception;
@@ -132,7 +136,7 @@ class SAML_API InvalidArgumentException : public Exception {
 };
 
 /// An internal consistency failure.
-class SAML_API InternalErrorException : public Exception {
+class SAMLTOKEN_API InternalErrorException : public Exception {
   public:
     /// From a message that `what()` returns unchanged.
     using Exception::Exception;
@@ -146,7 +150,7 @@ class SAML_API InternalErrorException : public Exception {
 namespace Xml {
 
 /// The XML text is not well-formed, or its parsing was stopped by a limit or a rule of the tree.
-class SAML_API XMLParseException : public Exception {
+class SAMLTOKEN_API XMLParseException : public Exception {
   public:
     /// Stores both arguments unchanged.
     XMLParseException(const std::string& message, std::uint32_t line);
@@ -162,7 +166,7 @@ class SAML_API XMLParseException : public Exception {
 
 /// A parse limit was exceeded. A document handler throws it to its parser, which stops and reports
 /// an `XMLParseException`: callers of a parser do not see this class.
-class SAML_API ParsingAbortedException : public Exception {
+class SAMLTOKEN_API ParsingAbortedException : public Exception {
   public:
     /// The message is empty: the class itself is the information.
     ParsingAbortedException();
@@ -177,7 +181,7 @@ namespace Security {
 
 /// A failure inside the cryptographic library. It is no `XmlSecurityException`: the signature layer
 /// converts it where a signature is verified or made.
-class SAML_API CryptoException : public Exception {
+class SAMLTOKEN_API CryptoException : public Exception {
   public:
     /// The message is "Crypto Exception: " followed by `detail`.
     explicit CryptoException(const std::string& detail);
@@ -189,7 +193,7 @@ class SAML_API CryptoException : public Exception {
 };
 
 /// Root of the failures of XML signatures (W3C xmldsig-core).
-class SAML_API XmlSecurityException : public Exception {
+class SAMLTOKEN_API XmlSecurityException : public Exception {
   public:
     /// From a message that `what()` returns unchanged.
     using Exception::Exception;
@@ -201,7 +205,7 @@ class SAML_API XmlSecurityException : public Exception {
 };
 
 /// A canonicalization identifier is not supported where it is used.
-class SAML_API UnsupportedCanonicalizationException : public XmlSecurityException {
+class SAMLTOKEN_API UnsupportedCanonicalizationException : public XmlSecurityException {
   public:
     /// From a message that `what()` returns unchanged.
     using XmlSecurityException::XmlSecurityException;
@@ -214,7 +218,7 @@ class SAML_API UnsupportedCanonicalizationException : public XmlSecurityExceptio
 };
 
 /// A digest identifier is not supported.
-class SAML_API UnsupportedHashAlgorithmException : public XmlSecurityException {
+class SAMLTOKEN_API UnsupportedHashAlgorithmException : public XmlSecurityException {
   public:
     /// From a message that `what()` returns unchanged.
     using XmlSecurityException::XmlSecurityException;
@@ -227,7 +231,7 @@ class SAML_API UnsupportedHashAlgorithmException : public XmlSecurityException {
 };
 
 /// A signature method identifier is not supported.
-class SAML_API UnsupportedSignAlgorithmException : public XmlSecurityException {
+class SAMLTOKEN_API UnsupportedSignAlgorithmException : public XmlSecurityException {
   public:
     /// From a message that `what()` returns unchanged.
     using XmlSecurityException::XmlSecurityException;
@@ -240,7 +244,7 @@ class SAML_API UnsupportedSignAlgorithmException : public XmlSecurityException {
 };
 
 /// A `Signature` element does not have the accepted structure.
-class SAML_API SignatureSyntaxException : public XmlSecurityException {
+class SAMLTOKEN_API SignatureSyntaxException : public XmlSecurityException {
   public:
     /// From a message that `what()` returns unchanged.
     using XmlSecurityException::XmlSecurityException;
@@ -252,7 +256,7 @@ class SAML_API SignatureSyntaxException : public XmlSecurityException {
 };
 
 /// The cryptographic library failed while a signature was made.
-class SAML_API SignatureGenerationException : public XmlSecurityException {
+class SAMLTOKEN_API SignatureGenerationException : public XmlSecurityException {
   public:
     /// From a message that `what()` returns unchanged.
     using XmlSecurityException::XmlSecurityException;
@@ -264,7 +268,7 @@ class SAML_API SignatureGenerationException : public XmlSecurityException {
 };
 
 /// A signature could not be checked: no key was offered, or the cryptographic library failed.
-class SAML_API SignatureVerificationException : public XmlSecurityException {
+class SAMLTOKEN_API SignatureVerificationException : public XmlSecurityException {
   public:
     /// From a message that `what()` returns unchanged.
     using XmlSecurityException::XmlSecurityException;
@@ -276,7 +280,7 @@ class SAML_API SignatureVerificationException : public XmlSecurityException {
 };
 
 /// A reference's URI names no element.
-class SAML_API MissingReferentException : public XmlSecurityException {
+class SAMLTOKEN_API MissingReferentException : public XmlSecurityException {
   public:
     /// From a message that `what()` returns unchanged.
     using XmlSecurityException::XmlSecurityException;
@@ -288,7 +292,7 @@ class SAML_API MissingReferentException : public XmlSecurityException {
 };
 
 /// A reference's URI names more than one element.
-class SAML_API DuplicateURIException : public XmlSecurityException {
+class SAMLTOKEN_API DuplicateURIException : public XmlSecurityException {
   public:
     /// From a message that `what()` returns unchanged.
     using XmlSecurityException::XmlSecurityException;
@@ -304,7 +308,7 @@ class SAML_API DuplicateURIException : public XmlSecurityException {
 
 /// Codec between bytes and Base64 text (RFC 4648 section 4).
 /// Threads: no state; any number of threads may call it.
-class SAML_API Base64 {
+class SAMLTOKEN_API Base64 {
   public:
     Base64() = default;
     /// Copies nothing: there is no state.
@@ -335,7 +339,7 @@ class SAML_API Base64 {
 ///
 /// The seconds are narrowed to 32 bits and widened again: instants after 2038-01-19T03:14:07Z wrap
 /// to other seconds while their text stays right. Threads: a plain value.
-class SAML_API DateTime {
+class SAMLTOKEN_API DateTime {
   public:
     /// The epoch: text "1970-01-01T00:00:00.000Z", 0 seconds.
     DateTime();
@@ -376,28 +380,28 @@ class SAML_API DateTime {
 /// \return False when `text` is no such date or the year lies below 1400. `out` is then untouched,
 ///         except that a date of the years 1 to 1399 replaces its text and leaves its seconds.
 template <>
-SAML_API bool DateTime::Create<std::string>(const std::string& text, DateTime& out);
+SAMLTOKEN_API bool DateTime::Create<std::string>(const std::string& text, DateTime& out);
 
 /// Formats `time` as "yyyy-mm-ddThh:mm:ss.fffZ", the fraction truncated to milliseconds.
 /// \return False, with `out` untouched, when `time` is not a date-time or infinite.
 template <>
-SAML_API bool DateTime::Create<boost::posix_time::ptime>(const boost::posix_time::ptime& time,
-                                                         DateTime& out);
+SAMLTOKEN_API bool DateTime::Create<boost::posix_time::ptime>(const boost::posix_time::ptime& time,
+                                                              DateTime& out);
 
 /// Formats seconds since the Unix epoch.
 /// \return False, with `out` untouched, when the instant lies outside the years 1400 to 9999.
 template <>
-SAML_API bool DateTime::Create<std::int64_t>(const std::int64_t& seconds, DateTime& out);
+SAMLTOKEN_API bool DateTime::Create<std::int64_t>(const std::int64_t& seconds, DateTime& out);
 
 /// Formats a system clock's time point; what is below a millisecond is dropped.
 /// \return False, with `out` untouched, when the instant lies outside the years 1400 to 9999.
 template <>
-SAML_API bool DateTime::Create<boost::chrono::system_clock::time_point>(
+SAMLTOKEN_API bool DateTime::Create<boost::chrono::system_clock::time_point>(
     const boost::chrono::system_clock::time_point& time, DateTime& out);
 
 /// A source of bytes from which a parser pulls. The caller owns it; whoever takes one borrows it
 /// for the length of a call.
-struct SAML_API Reader {
+struct SAMLTOKEN_API Reader {
     /// Copies up to `size` bytes into `buffer`.
     /// \return How many bytes were copied; -1 when no byte is left. 0 means none now, not the end.
     virtual int Read(char* buffer, int size) = 0;
@@ -406,14 +410,14 @@ struct SAML_API Reader {
 
 /// A sink of bytes into which canonicalization and serialization push. The caller owns it; whoever
 /// takes one borrows it for the length of a call.
-struct SAML_API Writer {
+struct SAMLTOKEN_API Writer {
     /// Takes exactly `length` bytes of any value; `data` is not terminated.
     virtual void Write(const char* data, int length) = 0;
     virtual ~Writer();
 };
 
 /// Reads a string of at most 2^31 - 1 bytes.
-struct SAML_API StringReader : Reader {
+struct SAMLTOKEN_API StringReader : Reader {
     /// Starts at the first byte of a copy of `text`.
     explicit StringReader(const std::string& text);
     /// As `Reader::Read`; a `size` below 1 gives 0.
@@ -427,7 +431,7 @@ struct SAML_API StringReader : Reader {
 };
 
 /// Collects everything written to it.
-struct SAML_API StringWriter : Writer {
+struct SAMLTOKEN_API StringWriter : Writer {
     StringWriter();
     void Write(const char* data, int length) override;
     ~StringWriter() override;

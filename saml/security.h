@@ -53,7 +53,7 @@ constexpr char RsaSha512[] = "http://www.w3.org/2001/04/xmldsig-more#rsa-sha512"
 /// bytes: CDATA sections contribute nothing, processing instructions and comments neither, `xml:`
 /// attributes of ancestors are not inherited, `>` is escaped in attribute values, too.
 /// Threads: no mutable state; one object serves any number of threads at once.
-class SAML_API Canonicalizer
+class SAMLTOKEN_API Canonicalizer
     : public boost::intrusive_ref_counter<Canonicalizer, boost::thread_safe_counter> {
   public:
     virtual ~Canonicalizer();
@@ -78,13 +78,13 @@ class SAML_API Canonicalizer
 ///
 /// \param result  Replaced on success, unchanged on failure.
 /// \throws UnsupportedCanonicalizationException  Any other identifier; compared exactly.
-SAML_API void CreateCanonicalizer(const std::string& uri,
-                                  boost::intrusive_ptr<Canonicalizer>& result);
+SAMLTOKEN_API void CreateCanonicalizer(const std::string& uri,
+                                       boost::intrusive_ptr<Canonicalizer>& result);
 
 /// One `Reference` of a signature (xmldsig-core 4.4.3): which part of the document is signed, how
 /// it is transformed and what its digest is. Threads: used by one thread at a time, together with
 /// its signature and its document.
-class SAML_API SignatureReference
+class SAMLTOKEN_API SignatureReference
     : public boost::intrusive_ref_counter<SignatureReference, boost::thread_safe_counter> {
   public:
     virtual ~SignatureReference();
@@ -127,7 +127,8 @@ class SAML_API SignatureReference
 };
 
 /// What a signature's `KeyInfo` element says about the signing key (xmldsig-core 4.5).
-class SAML_API KeyInfo : public boost::intrusive_ref_counter<KeyInfo, boost::thread_safe_counter> {
+class SAMLTOKEN_API KeyInfo
+    : public boost::intrusive_ref_counter<KeyInfo, boost::thread_safe_counter> {
   public:
     virtual ~KeyInfo();
 
@@ -147,7 +148,7 @@ class SAML_API KeyInfo : public boost::intrusive_ref_counter<KeyInfo, boost::thr
 /// their own.
 /// Threads: the library's resolvers are read-only after construction; one object may serve any
 /// number of threads that verify different signatures.
-class SAML_API KeyInfoResolver
+class SAMLTOKEN_API KeyInfoResolver
     : public boost::intrusive_ref_counter<KeyInfoResolver, boost::thread_safe_counter> {
   public:
     virtual ~KeyInfoResolver();
@@ -180,8 +181,8 @@ class SAML_API KeyInfoResolver
 /// \throws InvalidArgumentException  The list is empty ("No trusted certificates provided") or an
 ///                                   entry is no certificate ("Invalid X.509 Certificate").
 /// \throws CryptoException, InternalErrorException  OpenSSL failed to build its store.
-SAML_API void CreateTrustChainKeyResolver(const std::list<ByteBlob>& trustedCertificates,
-                                          boost::intrusive_ptr<KeyInfoResolver>& result);
+SAMLTOKEN_API void CreateTrustChainKeyResolver(const std::list<ByteBlob>& trustedCertificates,
+                                               boost::intrusive_ptr<KeyInfoResolver>& result);
 
 /// Accepts a signing certificate that is itself one of the trusted certificates and is within its
 /// validity period. No chain is built. The first certificate sent that can be parsed is the signer.
@@ -191,13 +192,13 @@ SAML_API void CreateTrustChainKeyResolver(const std::list<ByteBlob>& trustedCert
 /// \param trustedCertificates  DER certificates.
 /// \param result               Replaced on success, unchanged on failure.
 /// \throws InvalidArgumentException  As `CreateTrustChainKeyResolver`.
-SAML_API void CreateTrustSetKeyResolver(const std::list<ByteBlob>& trustedCertificates,
-                                        boost::intrusive_ptr<KeyInfoResolver>& result);
+SAMLTOKEN_API void CreateTrustSetKeyResolver(const std::list<ByteBlob>& trustedCertificates,
+                                             boost::intrusive_ptr<KeyInfoResolver>& result);
 
 /// One `Signature` element (xmldsig-core 4), read from a document to be verified or built to be
 /// signed. It keeps its nodes alive; the document stays the caller's.
 /// Threads: used by one thread at a time, together with its references and its document.
-class SAML_API Signature
+class SAMLTOKEN_API Signature
     : public boost::intrusive_ref_counter<Signature, boost::thread_safe_counter> {
   public:
     virtual ~Signature();
@@ -265,8 +266,8 @@ class SAML_API Signature
 ///                                   with at most one `X509Data`.
 /// \throws InvalidArgumentException  `root` is null.
 /// \throws TypeMismatchException     An element is not of the library's own classes.
-SAML_API void CreateSignatureFromDom(ElementNode* root, ElementNode* signatureElement,
-                                     boost::intrusive_ptr<Signature>& result);
+SAMLTOKEN_API void CreateSignatureFromDom(ElementNode* root, ElementNode* signatureElement,
+                                          boost::intrusive_ptr<Signature>& result);
 
 /// Builds an unsigned signature whose element stands nowhere yet: insert `GetElement()`, add
 /// references with their transforms, set key information if wanted, then sign.
@@ -278,34 +279,35 @@ SAML_API void CreateSignatureFromDom(ElementNode* root, ElementNode* signatureEl
 /// \param result                  Replaced on success, unchanged on failure.
 /// \throws InvalidArgumentException  `root` is null.
 /// \throws TypeMismatchException     `root` is not of the library's own classes.
-SAML_API void CreateBlankSignature(ElementNode* root, const std::string& canonicalizationMethod,
-                                   const std::string& signatureMethod,
-                                   const std::string& namespacePrefix,
-                                   boost::intrusive_ptr<Signature>& result);
+SAMLTOKEN_API void CreateBlankSignature(ElementNode* root,
+                                        const std::string& canonicalizationMethod,
+                                        const std::string& signatureMethod,
+                                        const std::string& namespacePrefix,
+                                        boost::intrusive_ptr<Signature>& result);
 
 /// The DER of the first certificate in a PEM text.
 /// \param result  Replaced on success, unchanged on failure; so for the next two.
 /// \throws InvalidArgumentException  "Wrong or unsupported X.509 Certificate format"
 /// \throws CryptoException           The same text, when the certificate cannot be encoded.
-SAML_API void CertificatePEMToBlob(const std::string& pem, ByteBlob& result);
+SAMLTOKEN_API void CertificatePEMToBlob(const std::string& pem, ByteBlob& result);
 
 /// The DER of a private key in PEM (for RSA PKCS #1). Never prompts: an encrypted key is refused.
 /// \throws CryptoException  "Invalid or unsupported private key"
-SAML_API void PrivateKeyPEMToBlob(const std::string& pem, ByteBlob& result);
+SAMLTOKEN_API void PrivateKeyPEMToBlob(const std::string& pem, ByteBlob& result);
 
 /// The DER (PKCS #1) of an RSA public key in PEM with the label "PUBLIC KEY".
 /// \throws CryptoException  "Invalid or unsupported public key"
-SAML_API void PublicKeyPEMToBlob(const std::string& pem, ByteBlob& result);
+SAMLTOKEN_API void PublicKeyPEMToBlob(const std::string& pem, ByteBlob& result);
 
 /// The DER of the public key (for RSA PKCS #1) of a DER certificate.
 /// \throws InvalidArgumentException  "Invalid X.509 Certificate" when it cannot be parsed, "Invalid
 ///                                   x509 certificate" when its key cannot be decoded.
 /// \throws CryptoException           "Invalid or unsupported public key"
-SAML_API ByteBlob ExtractCertPubKey(const ByteBlob& certificate);
+SAMLTOKEN_API ByteBlob ExtractCertPubKey(const ByteBlob& certificate);
 
 /// The public key, as PEM with the label "PUBLIC KEY", of a certificate given as the Base64 of its
 /// DER; empty when the key cannot be written.
 /// \throws InvalidArgumentException  "Invalid X.509 Certificate"
-SAML_API std::string ExtractX509PublicKeyFromCertificateBase64(const std::string& base64);
+SAMLTOKEN_API std::string ExtractX509PublicKeyFromCertificateBase64(const std::string& base64);
 
 }  // namespace Saml::Xml::Security

@@ -19,17 +19,17 @@ namespace Saml {
 /// variable of its own (see saml/token/CMakeLists.txt), so that a build can serve another provider.
 namespace ProfileUri {
 /// `Format` of every `NameID` that names a principal.
-SAML_API extern const char* const UpnNameFormat;
+SAMLTOKEN_API extern const char* const UpnNameFormat;
 /// Name of the attribute whose values are the subject's groups.
-SAML_API extern const char* const GroupIdentity;
+SAMLTOKEN_API extern const char* const GroupIdentity;
 /// Name of the attribute that marks a solution user.
-SAML_API extern const char* const IsSolution;
+SAMLTOKEN_API extern const char* const IsSolution;
 /// Name of the attribute that holds the subject's first name.
-SAML_API extern const char* const GivenName;
+SAMLTOKEN_API extern const char* const GivenName;
 /// Name of the attribute that holds the subject's last name.
-SAML_API extern const char* const Surname;
+SAMLTOKEN_API extern const char* const Surname;
 /// Namespace of `RSAAdvice` and of the renew restriction's type.
-SAML_API extern const char* const ExtensionNamespace;
+SAMLTOKEN_API extern const char* const ExtensionNamespace;
 }  // namespace ProfileUri
 
 /// The clock difference, in seconds, that the functions without a tolerance allow.
@@ -42,7 +42,7 @@ struct PrincipalId {
 
     /// Compares both fields without regard to case, character by character under the process's
     /// global `std::locale`. Note that the delegation rules compare names exactly instead.
-    SAML_API bool operator==(const PrincipalId& other) const;
+    SAMLTOKEN_API bool operator==(const PrincipalId& other) const;
 };
 
 /// How the subject is confirmed (SAML core 2.4.1.1, SAML profiles 3).
@@ -79,7 +79,7 @@ struct Advice {
 
 /// A verified assertion.
 /// Threads: immutable; any number of threads may read one object.
-class SAML_API SamlToken {
+class SAMLTOKEN_API SamlToken {
   public:
     virtual ~SamlToken();
 
@@ -148,12 +148,11 @@ class SAML_API SamlToken {
 /// \throws Whatever the resolver throws, unless it is an `Xml::Security::XmlSecurityException`,
 ///         which becomes an `InvalidSignatureException`.
 /// Threads: calls share nothing but `resolver`. Source: SAML core 2.3.3, 2.5.1; xmldsig-core 3.2.
-SAML_API std::shared_ptr<const SamlToken> CreateSamlToken(const std::string& xml,
-                                                          Xml::Security::KeyInfoResolver* resolver,
-                                                          std::int64_t tolerance);
+SAMLTOKEN_API std::shared_ptr<const SamlToken> CreateSamlToken(
+    const std::string& xml, Xml::Security::KeyInfoResolver* resolver, std::int64_t tolerance);
 /// The same with `DefaultClockTolerance`.
-SAML_API std::shared_ptr<const SamlToken> CreateSamlToken(const std::string& xml,
-                                                          Xml::Security::KeyInfoResolver* resolver);
+SAMLTOKEN_API std::shared_ptr<const SamlToken> CreateSamlToken(
+    const std::string& xml, Xml::Security::KeyInfoResolver* resolver);
 
 /// Validates and verifies an `Assertion` element that was parsed already. The signature may refer
 /// to it or to elements below it, not to what surrounds it; namespace declarations around it count.
@@ -161,10 +160,10 @@ SAML_API std::shared_ptr<const SamlToken> CreateSamlToken(const std::string& xml
 /// \param assertion  Borrowed and not changed; not null.
 /// The other parameters, the result and the exceptions are those of `CreateSamlToken`.
 /// \throws TypeMismatchException  `assertion` is not of the library's own classes.
-SAML_API std::shared_ptr<const SamlToken> CreateSamlTokenFromDom(
+SAMLTOKEN_API std::shared_ptr<const SamlToken> CreateSamlTokenFromDom(
     Xml::ElementNode* assertion, Xml::Security::KeyInfoResolver* resolver, std::int64_t tolerance);
 /// The same with `DefaultClockTolerance`.
-SAML_API std::shared_ptr<const SamlToken> CreateSamlTokenFromDom(
+SAMLTOKEN_API std::shared_ptr<const SamlToken> CreateSamlTokenFromDom(
     Xml::ElementNode* assertion, Xml::Security::KeyInfoResolver* resolver);
 
 }  // namespace Saml

@@ -44,7 +44,7 @@ struct ExpandedName {
 ///
 /// Threads: reference counts are atomic, so a node may be released on any thread. A tree is changed
 /// by one thread at a time; an unchanging tree may be read by many.
-class SAML_API Node : public boost::intrusive_ref_counter<Node, boost::thread_safe_counter> {
+class SAMLTOKEN_API Node : public boost::intrusive_ref_counter<Node, boost::thread_safe_counter> {
   public:
     virtual ~Node();
 
@@ -112,7 +112,7 @@ class SAML_API Node : public boost::intrusive_ref_counter<Node, boost::thread_sa
 };
 
 /// A run of character data.
-class SAML_API TextNode : public virtual Node {
+class SAMLTOKEN_API TextNode : public virtual Node {
   public:
     ~TextNode() override;
     /// The characters, entities already replaced.
@@ -127,7 +127,7 @@ class SAML_API TextNode : public virtual Node {
 };
 
 /// A CDATA section; its content is held as text children.
-class SAML_API CDataNode : public virtual Node {
+class SAMLTOKEN_API CDataNode : public virtual Node {
   public:
     ~CDataNode() override;
 
@@ -136,7 +136,7 @@ class SAML_API CDataNode : public virtual Node {
 };
 
 /// A comment.
-class SAML_API CommentNode : public virtual Node {
+class SAMLTOKEN_API CommentNode : public virtual Node {
   public:
     ~CommentNode() override;
     /// What stands between the delimiters.
@@ -149,7 +149,7 @@ class SAML_API CommentNode : public virtual Node {
 };
 
 /// A processing instruction.
-class SAML_API ProcessingInstructionNode : public virtual Node {
+class SAMLTOKEN_API ProcessingInstructionNode : public virtual Node {
   public:
     ~ProcessingInstructionNode() override;
     /// The name at its start.
@@ -168,7 +168,7 @@ class SAML_API ProcessingInstructionNode : public virtual Node {
 /// An element. Namespace declarations are ordinary attributes, resolved on demand by walking up the
 /// parents. Attributes have names as written, prefix included, and are ordered by the bytes of
 /// their names.
-class SAML_API ElementNode : public virtual Node {
+class SAMLTOKEN_API ElementNode : public virtual Node {
   public:
     using Node::AppendChild;
 
@@ -223,7 +223,7 @@ class SAML_API ElementNode : public virtual Node {
 };
 
 /// A document: comments, processing instructions and at most one element.
-class SAML_API Document : public virtual Node {
+class SAMLTOKEN_API Document : public virtual Node {
   public:
     ~Document() override;
 
@@ -249,23 +249,24 @@ class SAML_API Document : public virtual Node {
 
 /// The factories give a new, empty, detached node with a reference count of zero: adopt it at once,
 /// as in `boost::intrusive_ptr<Document> document(CreateDocument());`.
-SAML_API Document* CreateDocument();
+SAMLTOKEN_API Document* CreateDocument();
 /// An element without attributes; `prefix` may be empty.
-SAML_API ElementNode* CreateElementNode(const std::string& prefix, const std::string& localName);
+SAMLTOKEN_API ElementNode* CreateElementNode(const std::string& prefix,
+                                             const std::string& localName);
 /// An empty text.
-SAML_API TextNode* CreateTextNode();
+SAMLTOKEN_API TextNode* CreateTextNode();
 /// An empty section.
-SAML_API CDataNode* CreateCDataNode();
+SAMLTOKEN_API CDataNode* CreateCDataNode();
 /// An empty comment.
-SAML_API CommentNode* CreateCommentNode();
+SAMLTOKEN_API CommentNode* CreateCommentNode();
 /// A processing instruction without target and data.
-SAML_API ProcessingInstructionNode* CreateProcessingInstructionNode();
+SAMLTOKEN_API ProcessingInstructionNode* CreateProcessingInstructionNode();
 
 /// Receives the events of a parser, one call an event. What an implementation throws does not reach
 /// the caller of the parser: it stops the parse, which then reports an `XMLParseException`, and no
 /// further event of that document arrives. Only `StartDocument` may throw to the caller.
 /// Threads: serves one parse at a time.
-class SAML_API XMLHandler
+class SAMLTOKEN_API XMLHandler
     : public boost::intrusive_ref_counter<XMLHandler, boost::thread_safe_counter> {
   public:
     virtual ~XMLHandler();
@@ -313,7 +314,7 @@ class SAML_API XMLHandler
 /// instruction inside an element is refused.
 ///
 /// Threads: serves one parse at a time; separate parsers with separate handlers are independent.
-class SAML_API XMLParser
+class SAMLTOKEN_API XMLParser
     : public boost::intrusive_ref_counter<XMLParser, boost::thread_safe_counter> {
   public:
     virtual ~XMLParser();
@@ -351,7 +352,7 @@ class SAML_API XMLParser
 
 /// A new parser bound to `handler`, with a reference count of zero: adopt it at once.
 /// \throws InvalidArgumentException  `handler` is null.
-SAML_API XMLParser* CreateXMLParser(XMLHandler* handler);
+SAMLTOKEN_API XMLParser* CreateXMLParser(XMLHandler* handler);
 
 /// A new handler that builds a `Document`, with a reference count of zero: adopt it at once.
 ///
@@ -360,20 +361,20 @@ SAML_API XMLParser* CreateXMLParser(XMLHandler* handler);
 /// \param maxTotalSize  Bytes of names, values and character data together.
 /// \param maxNodeCount  Nodes.
 /// \param maxDepth      Open ancestors of any node, leaves included.
-SAML_API XMLHandler* CreateXMLDocumentHandler(long long maxTotalSize, long long maxNodeCount,
-                                              long long maxDepth);
+SAMLTOKEN_API XMLHandler* CreateXMLDocumentHandler(long long maxTotalSize, long long maxNodeCount,
+                                                   long long maxDepth);
 
 /// The first element among `node` and its following siblings, passing over elements that are nil
 /// (`IsNil`): an optional element sent as nil reads as missing. Null for null.
-SAML_API ElementNode* GetFirstSiblingElement(Node* node);
+SAMLTOKEN_API ElementNode* GetFirstSiblingElement(Node* node);
 /// The same search among the children of `node`.
-SAML_API ElementNode* GetFirstChildElement(Node* node);
+SAMLTOKEN_API ElementNode* GetFirstChildElement(Node* node);
 /// The same search behind `node`.
-SAML_API ElementNode* GetNextSiblingElement(Node* node);
+SAMLTOKEN_API ElementNode* GetNextSiblingElement(Node* node);
 
 /// The namespace of `element`: what is bound to its own prefix.
 /// \return False when nothing is bound or `element` is null; `uri` is then untouched.
-SAML_API bool GetNamespace(ElementNode* element, std::string& uri);
+SAMLTOKEN_API bool GetNamespace(ElementNode* element, std::string& uri);
 
 /// Follows a path of steps separated by "/" and gives the value at its end.
 ///
@@ -381,25 +382,27 @@ SAML_API bool GetNamespace(ElementNode* element, std::string& uri);
 /// an attribute name as written, which ends the path. An element's value is its first child's text
 /// when that child is a text. Each step takes the first match and does not go back.
 /// \return False when the path leads nowhere or has no step; `value` is then untouched.
-SAML_API bool EvaluateSimplePath(ElementNode* start, const std::string& path, std::string& value);
+SAMLTOKEN_API bool EvaluateSimplePath(ElementNode* start, const std::string& path,
+                                      std::string& value);
 /// The same from the root element of `document`.
 /// \throws InvalidArgumentException  "Document has no root.", for a null document, too.
-SAML_API bool EvaluateSimplePath(Document* document, const std::string& path, std::string& value);
+SAMLTOKEN_API bool EvaluateSimplePath(Document* document, const std::string& path,
+                                      std::string& value);
 /// Follows every match at every step and gives all values in document order.
 /// \param values  Replaced.
 /// \return True when there is at least one value.
-SAML_API bool EvaluateMultiPath(ElementNode* start, const std::string& path,
-                                std::vector<std::string>& values);
+SAMLTOKEN_API bool EvaluateMultiPath(ElementNode* start, const std::string& path,
+                                     std::vector<std::string>& values);
 /// The same from the root element of `document`.
 /// \throws InvalidArgumentException  "Document has no root.", for a null document, too.
-SAML_API bool EvaluateMultiPath(Document* document, const std::string& path,
-                                std::vector<std::string>& values);
+SAMLTOKEN_API bool EvaluateMultiPath(Document* document, const std::string& path,
+                                     std::vector<std::string>& values);
 
 /// True when the attribute written `xsi:nil`, or else `xsi:null`, is "true" or "1". The prefix is
 /// taken by the letter. False for null.
-SAML_API bool IsNil(ElementNode* element);
+SAMLTOKEN_API bool IsNil(ElementNode* element);
 
 /// Accepts every text, null included: URIs read from tokens have no imposed syntax.
-SAML_API void ValidateAnyURI(const char* uri);
+SAMLTOKEN_API void ValidateAnyURI(const char* uri);
 
 }  // namespace Saml::Xml

@@ -1,5 +1,6 @@
 #include "saml/security/certificate_codec.h"
 
+#include "saml/security/decoded_key.h"
 #include "saml/security/der_conversion.h"
 #include "saml/security/key_codec.h"
 #include "saml/security/pem_input.h"
@@ -35,7 +36,7 @@ bool TakeDerValue(Bytes& rest, Bytes& content) {
     const int form = ASN1_get_object(&at, &content.size, &tag, &tagClass, rest.size);
     if ((form & ~V_ASN1_CONSTRUCTED) != 0) return false;  // unreadable or of indefinite length
     content.data = at;
-    const long size = at - rest.data + content.size;
+    const long size = static_cast<long>(at - rest.data) + content.size;  // no more than there is
     rest = {rest.data + size, rest.size - size};
     return size == ASN1_object_size(form, static_cast<int>(content.size), tag);
 }
@@ -115,8 +116,7 @@ ByteBlob EncodePublicKeyOf(X509& certificate) {
     const ASN1_BIT_STRING& bits = *X509_get0_pubkey_bitstr(&certificate);
     if (!IsRsa(*key) || !IsDerRsaPublicKey(bits)) return EncodePublicKey(*key);
     const unsigned char* const begin = ASN1_STRING_get0_data(&bits);
-    return std::make_shared<const std::vector<unsigned char>>(begin,
-                                                              begin + ASN1_STRING_length(&bits));
+    return WithDecodedKey({begin, begin + ASN1_STRING_length(&bits)}, *key);
 }
 
 }  // namespace Saml::Xml::Security

@@ -1,5 +1,6 @@
 #include "saml/security/key_codec.h"
 
+#include "saml/security/decoded_key.h"
 #include "saml/security/der_conversion.h"
 #include "saml/security/pem_input.h"
 
@@ -42,6 +43,7 @@ KeyHandle ParseRsaPrivateKeyDer(const ByteBlob& der) {
 }
 
 KeyHandle ParseRsaPublicKeyDer(const ByteBlob& der) {
+    if (KeyHandle decoded = DecodedKeyOf(der)) return decoded;
     KeyHandle key(DecodeDer(der, DecodePublicKey));
     if (!IsRsaKey(key)) throw CryptoException(kInvalidPublicKeyFormat);
     return key;

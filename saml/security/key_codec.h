@@ -10,7 +10,8 @@ namespace Saml::Xml::Security {
 /// The RSA key of a DER private key (RFC 8017 appendix A.1.2; wrapped by PKCS #8, too).
 /// \throws CryptoException when it cannot be decoded or is no RSA key.
 KeyHandle ParseRsaPrivateKeyDer(const ByteBlob& der);
-/// The RSA key of a DER public key (RFC 8017 appendix A.1.1).
+/// The RSA key of a DER public key (RFC 8017 appendix A.1.1); without decoding where the blob
+/// remembers it.
 /// \throws CryptoException when it cannot be decoded or is no RSA key.
 KeyHandle ParseRsaPublicKeyDer(const ByteBlob& der);
 

@@ -46,6 +46,11 @@ inline CertificateHandle Share(X509& certificate) noexcept {
     X509_up_ref(&certificate);
     return CertificateHandle(&certificate);
 }
+/// Another owner of `key`.
+inline KeyHandle Share(EVP_PKEY& key) noexcept {
+    EVP_PKEY_up_ref(&key);
+    return KeyHandle(&key);
+}
 
 /// True for a plain RSA key; an RSA-PSS key is none.
 inline bool IsRsa(const EVP_PKEY& key) noexcept {

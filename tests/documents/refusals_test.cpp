@@ -36,7 +36,7 @@ std::set<std::string> ExpatsMessages() {
 
 /// The exceptions that the library declares; also what the page calls a thrown pointer and nothing.
 std::set<std::string> ExceptionNames() {
-    static const std::regex kDeclaration(R"(class SAML_API (\w+Exception) :)");
+    static const std::regex kDeclaration(R"(class SAMLTOKEN_API (\w+Exception) :)");
     std::set<std::string> names{"", "ParseException*"};
     std::ifstream header(LIBRARY_SOURCES "/foundations.h");
     std::smatch found;

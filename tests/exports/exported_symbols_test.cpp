@@ -1,4 +1,4 @@
-#include "tool_output.h"
+#include "exported_names.h"
 
 #include <gtest/gtest.h>
 
@@ -7,28 +7,18 @@
 #include <iterator>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
 
 using Names = std::set<std::string>;
 
-// Constructors and destructors come in several variants of one name: a set tells of each once.
-Names ExportedNames() {
-    Names names;
-    for (const std::string& line : OutputLines(NM " -D --defined-only -C '" LIBRARY_FILE "'")) {
-        const std::size_t type =
-            line.find(' ') + 1;  // after the address: a letter, a blank, a name
-        names.insert(line.substr(type + 2));
-    }
-    return names;
-}
-
 Names ListedNames() {
     std::ifstream file(EXPECTED_SYMBOLS_FILE);
     Names names;
     for (std::string line; std::getline(file, line);)
-        names.insert(line);
+        if (std::string name = NameHere(line); !name.empty()) names.insert(std::move(name));
     return names;
 }
 

@@ -26,6 +26,7 @@ const std::set<std::string> kExpatFiles = {
 };
 const std::set<std::string> kOpenSslFiles = {
     "security/certificate_codec.cpp",   "security/certificate_codec.h",
+    "security/decoded_key.cpp",         "security/decoded_key.h",
     "security/der_conversion.h",        "security/digest_method.cpp",
     "security/digest_method.h",         "security/hash_algorithm_impl.cpp",
     "security/key_codec.cpp",           "security/key_codec.h",

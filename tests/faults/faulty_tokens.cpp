@@ -110,8 +110,6 @@ Failures FailuresUpTo(Stage stage, Trust trust) {
         for (const char* const detail :
              {"Signature verification error. Crypto Exception: Failed to initialize signature "
               "verification context.",
-              "Signature verification error. Crypto Exception: Invalid or unsupported format of "
-              "the public key",
               "Signature verification error. Crypto Exception: Signature verification failed",
               "Failed to verify signature: token might have been tampered with."})
             failures.openSsl.insert(std::string("InvalidSignatureException: ") + detail);

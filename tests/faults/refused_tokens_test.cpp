@@ -42,8 +42,8 @@ TEST_P(RefusedToken, IsRefusedStill) {
     Failures failures = FailuresUpTo(row.stage, row.trust);
     if (row.triesTheSingleKey)
         failures.openSsl.insert(
-            "InvalidSignatureException: Signature verification error. Crypto Exception: Invalid or "
-            "unsupported format of the public key");
+            "InvalidSignatureException: Signature verification error. Crypto Exception: Failed to "
+            "initialize signature verification context.");
     ExpectSoundInShortage(CallOfText(row.token(), CreateResolver(row.trust, row.trusted)),
                           row.refusal, failures);
 }

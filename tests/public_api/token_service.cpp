@@ -13,6 +13,12 @@ using namespace Saml::Xml::Security;
 
 namespace {
 
+#if defined(_WIN32)
+constexpr char kNowhere[] = "NUL";
+#else
+constexpr char kNowhere[] = "/dev/null";
+#endif
+
 std::string OutputOf(const std::string& command) {
     std::FILE* const pipe = popen(command.c_str(), "r");
     if (!pipe) throw std::runtime_error("cannot run: " + command);
@@ -74,7 +80,8 @@ boost::intrusive_ptr<Document> ParseDocument(const std::string& xml) {
 TokenService::TokenService(int bits) {
     const std::string pem = OutputOf("openssl req -x509 -newkey rsa:" + std::to_string(bits) +
                                      " -nodes -keyout - -days 2 "
-                                     "-subj '/CN=Token service' 2>/dev/null");
+                                     "-subj \"/CN=Token service\" 2>" +
+                                     kNowhere);
     certificatePem_ = pem.substr(pem.find("-----BEGIN CERTIFICATE"));
     CertificatePEMToBlob(certificatePem_, certificate_);
     PrivateKeyPEMToBlob(pem, privateKey_);

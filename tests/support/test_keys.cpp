@@ -189,6 +189,12 @@ std::string Period(Validity validity) {
     return " -startdate 20200101000000Z -enddate 20990101000000Z";
 }
 
+/// A text of openssl's, which ends lines as the platform does.
+std::string PlainLines(std::string text) {
+    text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+    return text;
+}
+
 std::string SerialOf(const CertificateForm& form) {
     if (form.serial != nullptr) return form.serial;
     std::ostringstream serial;
@@ -216,8 +222,8 @@ Key CreateKey(const std::string& name) {
     OpenSsl("genpkey " + (kind == kKeyKinds.end() ? kUsualKeyKind : kind->second) + " -out " +
             Quoted(key.pemPath));
     const std::string from = " -in " + Quoted(key.pemPath);
-    key.pem = ReadFile(key.pemPath);
-    key.publicPem = OpenSsl("pkey -pubout" + from);
+    key.pem = PlainLines(ReadFile(key.pemPath));
+    key.publicPem = PlainLines(OpenSsl("pkey -pubout" + from));
     key.privateKey = ToBlob(OpenSsl("pkey -traditional -outform DER" + from));
     const bool isRsa = kind == kKeyKinds.end() || kind->second.find("-algorithm RSA ") == 0;
     if (isRsa) key.publicKey = ToBlob(OpenSsl("rsa -RSAPublicKey_out -outform DER" + from));
@@ -244,7 +250,7 @@ Certificate CreateCertificate(const CertificateForm& form) {
             Quoted(base + ".csr"));
     OpenSsl("ca -batch -notext" + configured + signedBy + Period(form.validity) + " -in " +
             Quoted(base + ".csr") + " -out " + Quoted(certificate.pemPath));
-    certificate.pem = ReadFile(certificate.pemPath);
+    certificate.pem = PlainLines(ReadFile(certificate.pemPath));
     certificate.der = ToBlob(OpenSsl("x509 -outform DER -in " + Quoted(certificate.pemPath)));
     return certificate;
 }

@@ -1,0 +1,1 @@
+#error "This is another package's header, which a caller of samltoken must not get."

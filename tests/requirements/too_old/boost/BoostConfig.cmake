@@ -1,0 +1,1 @@
+# A Boost that is found and too old.
