@@ -3,8 +3,8 @@
 
 # samltoken_require(PACKAGE DEBIAN [VERSION version] [COMPONENTS component...] [FOR what] [WITHOUT option])
 #
-# Like find_package, so its variables are the caller's, who therefore gets a macro. `option` configures
-# a build that does without.
+# find_package, in a macro so that its variables reach the caller. `option` configures a build that does
+# without.
 macro(samltoken_require package debian)
   cmake_parse_arguments(samltoken_need "" "VERSION;FOR;WITHOUT" "COMPONENTS" ${ARGN})
   if(NOT samltoken_need_FOR)
