@@ -61,6 +61,14 @@ bool IsDerRsaPublicKey(const ASN1_BIT_STRING& bits) {
            TakeDerNatural(numbers);
 }
 
+/// Set by OpenSSL where it could not digest the certificate; 1.1.1 calls the certificate invalid
+/// then.
+#ifdef EXFLAG_NO_FINGERPRINT
+constexpr std::uint32_t kUndigested = EXFLAG_NO_FINGERPRINT;
+#else
+constexpr std::uint32_t kUndigested = 0;
+#endif
+
 /// True when OpenSSL could make out the certificate's key and extensions, which it does once in the
 /// certificate's life. One that bears its own name has signed itself, or looks as if it had not for
 /// want of memory.
@@ -68,6 +76,7 @@ bool IsWhole(X509& certificate) {
     if (X509_get0_pubkey(&certificate) == nullptr) return false;
     if (X509_check_purpose(&certificate, -1, 0) != 1) return false;
     const std::uint32_t flags = X509_get_extension_flags(&certificate);
+    if ((flags & kUndigested) != 0) return false;
     return (flags & EXFLAG_SI) == 0 || (flags & EXFLAG_SS) != 0;
 }
 

@@ -41,7 +41,8 @@ TEST(Hardening, KeepsTheStackFromBeingExecuted) {
 
 TEST(Hardening, KeepsEverySegmentFromBeingWritableAndExecutable) {
     const std::vector<std::string> segments = ProgramHeader("LOAD");
-    ASSERT_GE(segments.size(), 3U);
+    // Code and data at least; the linker for x86-64 sets constants apart, that for arm64 does not.
+    ASSERT_GE(segments.size(), 2U);
     EXPECT_THAT(segments, testing::Each(testing::Not(testing::ContainsRegex(" RWE +0x"))));
 }
 

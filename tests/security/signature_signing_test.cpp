@@ -1,6 +1,7 @@
 #include "saml/security/signature_impl.h"
 #include "support/failing_openssl.h"
 #include "support/signed_texts.h"
+#include "support/system_policy.h"
 
 #include <gtest/gtest.h>
 
@@ -64,6 +65,7 @@ class SigningMethod : public Signing, public testing::WithParamInterface<MethodC
 // bytes.
 TEST_P(SigningMethod, GivesTheValueThatOpensslGives) {
     const MethodCase& method = GetParam();
+    if (std::string("sha1") == method.digestName) SKIP_WHERE_SHA1_SIGNATURES_ARE_REFUSED();
     document_->GetRootElement()->RemoveChild(signature_->GetElement());
     const SignaturePtr signature = Blank(method.signatureMethod);
     AddTo(*signature, "", method.digestMethod);
@@ -193,6 +195,7 @@ TEST_F(FailingSigning, RefusesKeysThatAreNone) {
 
 // 64 bytes of modulus have no room for a digest of 64 bytes and its padding.
 TEST_F(FailingSigning, RefusesAKeyThatIsTooShortForTheDigest) {
+    SKIP_WHERE_SHORT_KEYS_ARE_REFUSED();
     const SignaturePtr signature = Blank(Algorithm::RsaSha512);
     EXPECT_EQ(RefusalOf<SignatureGenerationException>(*signature,
                                                       TestKeys::KeyNamed("rsa512").privateKey),

@@ -95,8 +95,8 @@ TEST(TrustSetResolver, KnowsASignerWithBytesBehindIt) {
 TEST(TrustSetResolver, TakesAnUnreadableValidityPeriodForCurrent) {
     ForgedCertificate form;
     form.keyBits = std::string("\x30\x07\x02\x02\x03\x03\x02\x01\x03", 9);
-    form.notBefore = "garbage";
-    form.notAfter = "garbage";
+    form.notBefore = "not any time!";
+    form.notAfter = "not any time!";
     X509TrustSetKeyResolver resolver({form.Der()});
     const boost::intrusive_ptr<KeyInfo> keyInfo(new X509KeyInfo("ds", {form.Der()}));
     EXPECT_EQ(KeysOf(resolver, keyInfo.get()), Keys{*ToBlob(form.keyBits)});

@@ -82,12 +82,22 @@ void PrintTo(const PeriodCase& row, std::ostream* out) {
 
 class Currency : public testing::TestWithParam<PeriodCase> {};
 
+/// OpenSSL 3.5 reads no certificate with a time of fewer characters than UTCTime has in DER (X.690
+/// section 11.8); 3.0 and 1.1.1 read it and find no time in it.
+bool IsReadByOpenSsl(const std::string& time) {
+    return OPENSSL_VERSION_NUMBER < 0x30500000L || time.size() >= 13;
+}
+
 TEST_P(Currency, IsJudgedByBothEndsOfThePeriod) {
     ForgedCertificate form;
     form.keyBits = "no matter";
     form.notBefore = GetParam().notBefore;
     form.notAfter = GetParam().notAfter;
-    EXPECT_EQ(IsCurrent(*ParseCertificateDer(form.Der())), GetParam().isCurrent);
+    if (IsReadByOpenSsl(form.notBefore) && IsReadByOpenSsl(form.notAfter))
+        EXPECT_EQ(IsCurrent(*ParseCertificateDer(form.Der())), GetParam().isCurrent);
+    else
+        EXPECT_EQ(MessageOf<InvalidArgumentException>([&] { ParseCertificateDer(form.Der()); }),
+                  "Invalid X.509 Certificate");
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -98,7 +108,8 @@ INSTANTIATE_TEST_SUITE_P(
                     PeriodCase{"EndBeforeBeginning", "491231235959Z", "100101000000Z", false},
                     PeriodCase{"UnreadableBeginning", "209901000000Z", "491231235959Z", true},
                     PeriodCase{"UnreadableEnd", "200101000000Z", "499901000000Z", true},
-                    PeriodCase{"UnreadableBoth", "garbage", "", true},
+                    PeriodCase{"UnreadableBoth", "not any time!", "not any time!", true},
+                    PeriodCase{"TooShortBoth", "garbage", "", true},
                     PeriodCase{"EndWithoutSeconds", "200101000000Z", "1101010000Z", true},
                     PeriodCase{"EndInAnotherZone", "200101000000Z", "110101000000+0100", true},
                     PeriodCase{"UnreadableBeginningExpired", "209901000000Z", "110101000000Z",

@@ -41,11 +41,23 @@ KeyHandle Read(const std::string& key) {
     return KeyHandle(d2i_AutoPrivateKey(nullptr, &input, static_cast<long>(der->size())));
 }
 
-Number Parameter(const EVP_PKEY& key, const char* name) {
+#if OPENSSL_VERSION_NUMBER >= 0x30000000L
+Number Parameter(EVP_PKEY& key, const char* name) {
     BIGNUM* number = nullptr;
     Check(EVP_PKEY_get_bn_param(&key, name, &number), "the key has no such number");
     return Number(number);
 }
+#else
+Number Parameter(EVP_PKEY& key, const char* name) {
+    const RSA* const rsa = EVP_PKEY_get0_RSA(&key);
+    const BIGNUM* const number = *name == 'n'   ? RSA_get0_n(rsa)
+                                 : *name == 'e' ? RSA_get0_e(rsa)
+                                                : RSA_get0_d(rsa);
+    Number copy(BN_dup(number));
+    if (!copy) throw std::runtime_error("the key has no such number");
+    return copy;
+}
+#endif
 
 Number Cube(const BIGNUM& number, BN_CTX* scratch) {
     Number cube(BN_new());

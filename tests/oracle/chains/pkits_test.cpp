@@ -3,6 +3,7 @@
 #include "saml/security/trusted_certificates.h"
 #include "saml/security/x509_key_info.h"
 #include "support/resolving.h"
+#include "support/system_policy.h"
 #include "support/test_keys.h"
 
 #include <gtest/gtest.h>
@@ -108,6 +109,8 @@ std::list<ByteBlob> Downwards(const Pkits::Case& row) {
 class PkitsSection : public testing::TestWithParam<std::string> {};
 
 TEST_P(PkitsSection, HasTheVerdictsOfTheDocument) {
+    // The DSA signatures of 4.1.4 are made with SHA-1, all others of the suite with SHA-256.
+    if (GetParam() == "4.1") SKIP_WHERE_SHA1_SIGNATURES_ARE_REFUSED();
     // The resolver asks the system's clock: when the suite is out of date every path fails.
     ASSERT_TRUE(IsCurrent(*ParseCertificateDer(TrustAnchor()))) << "the suite ended with 2030";
 

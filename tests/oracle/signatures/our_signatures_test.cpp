@@ -3,6 +3,7 @@
 #include "oracle/signatures/spoiled_tokens.h"
 #include "oracle/signatures/xmlsec1.h"
 #include "saml/security.h"
+#include "support/system_policy.h"
 #include "support/test_keys.h"
 #include "support/token_forge.h"
 
@@ -28,6 +29,8 @@ class OurSignatures : public testing::TestWithParam<std::tuple<Method, KeySize>>
 
 TEST_P(OurSignatures, AreVerifiedByXmlSec1AndRefusedWhenSpoiled) {
     const auto& [method, size] = GetParam();
+    if (method.identifier == std::string(Algorithm::RsaSha1))
+        SKIP_WHERE_SHA1_SIGNATURES_ARE_REFUSED();
     SpoilingTrial trial(20080610, SpoilingTrial::Witness::XmlSec1);
     for (const Cell& cell : CellsForXmlSec1(method, size)) {
         SCOPED_TRACE(cell.Name());
@@ -53,6 +56,7 @@ class OurSignaturesWithFurtherNamesOfSha384 : public testing::TestWithParam<KeyS
 // xmlsec1 knows neither name, so that it says nothing about such a token. In its place libxml2 and
 // OpenSSL make the digest.
 TEST_P(OurSignaturesWithFurtherNamesOfSha384, AreReadByOurselvesAndRefusedWhenSpoiled) {
+    SKIP_WHERE_SHA1_SIGNATURES_ARE_REFUSED();  // which are among those of every method
     SpoilingTrial trial(20130411, SpoilingTrial::Witness::None);
     for (const Method& method : kMethods) {
         for (const Cell& cell : CellsForOurselves(method, GetParam())) {

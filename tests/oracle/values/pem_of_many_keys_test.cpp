@@ -1,6 +1,7 @@
 #include "oracle/values/openssl_key_kinds.h"
 #include "oracle/values/pem_layouts.h"
 #include "saml/security.h"
+#include "support/system_policy.h"
 #include "support/test_keys.h"
 #include "support/thrown.h"
 
@@ -136,11 +137,13 @@ void ExpectKeyAsDer(const std::string& certificatePath, Family family) {
 class PemOfManyKinds : public testing::TestWithParam<Kind> {};
 
 TEST_P(PemOfManyKinds, GivesTheKeysAsTheCommandLineDoes) {
+    if (GetParam().name == std::string("Rsa512")) SKIP_WHERE_SHORT_KEYS_ARE_REFUSED();
     ExpectPrivateKey(GetParam());
     ExpectPublicKey(GetParam());
 }
 
 TEST_P(PemOfManyKinds, GivesTheCertificateAndItsKeyAsTheCommandLineDoes) {
+    if (GetParam().name == std::string("Rsa512")) SKIP_WHERE_SHORT_KEYS_ARE_REFUSED();
     const Key& key = KeyOf(GetParam());
     const std::string before = kParameters + ReadFile(key.path) + ReadFile(key.publicPath);
     const std::string pem = ReadFile(key.certificatePath);
