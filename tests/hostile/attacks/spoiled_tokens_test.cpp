@@ -9,6 +9,7 @@
 #include <iostream>
 #include <set>
 #include <utility>
+#include <vector>
 
 namespace Saml::Attacks {
 namespace {
@@ -118,6 +119,31 @@ TEST(TruncatedTokens, AreNotWellFormed) {
     tally.Report();
 }
 
+std::vector<unsigned char> Decoded(const std::string& base64) {
+    std::string error;
+    return Base64::Decode(base64, error);
+}
+
+/// True when only this text in Base64 has changed, and decodes to what it was: the codec makes up
+/// for what is missing in a last group with the bits of the group before, which may be the same.
+bool DecodesAsBefore(Extent base64, const std::string& spoiled) {
+    const std::string& text = Genuine().text;
+    const std::size_t behind = text.size() - base64.end;
+    if (spoiled.size() < base64.begin + behind ||
+        spoiled.compare(0, base64.begin, text, 0, base64.begin) != 0 ||
+        spoiled.compare(spoiled.size() - behind, behind, text, base64.end, behind) != 0)
+        return false;
+    const std::size_t size = spoiled.size() - base64.begin - behind;
+    return Decoded(spoiled.substr(base64.begin, size)) ==
+           Decoded(text.substr(base64.begin, base64.end - base64.begin));
+}
+
+/// The texts in Base64 outside of what is signed.
+bool SaysTheSameInBase64(const std::string& spoiled) {
+    const Token& token = Genuine();
+    return DecodesAsBefore(token.signatureValue, spoiled) || DecodesAsBefore(token.signer, spoiled);
+}
+
 /// `spoil` for each place of the token; what is accepted says the same, and the place is not
 /// signed.
 template <class Spoil, class MayBeAccepted>
@@ -126,12 +152,14 @@ void ExpectSameAccountOrRefusal(const Spoil& spoil, const MayBeAccepted& mayBeAc
     Tally tally;
     for (std::size_t place = 0; place != token.text.size(); ++place)
         for (const Resolver& trust : {Provider::TrustInTheRoot(), Provider::TrustInTheSigner()}) {
-            const std::string outcome = OutcomeByText(spoil(place), trust);
+            const std::string spoiled = spoil(place);
+            const std::string outcome = OutcomeByText(spoiled, trust);
             tally.Add(ClassOf(outcome));
             EXPECT_EQ(kDocumentedClasses.count(ClassOf(outcome)), 1u) << outcome;
             if (ClassOf(outcome) != "accepted") continue;
             EXPECT_EQ(outcome, token.accepted) << "at " << place;
-            EXPECT_TRUE(mayBeAccepted(place)) << "at " << place;
+            EXPECT_TRUE(mayBeAccepted(place) || SaysTheSameInBase64(spoiled))
+                << "at " << place << " of " << token.text;
         }
     tally.Report();
 }
