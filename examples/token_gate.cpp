@@ -120,17 +120,24 @@ void Describe(Arguments& arguments, CLI::App& app) {
         "arguments.");
 }
 
+ExitStatus RunAsTold(int count, char** values) {
+    Arguments arguments;
+    CLI::App app("Admits callers by the tokens that they bear.", "token_gate");
+    Describe(arguments, app);
+    try {
+        app.parse(count, values);
+    } catch (const CLI::Success& help) {
+        app.exit(help);
+        return Stopped;
+    }
+    return Run(arguments);
+}
+
 }  // namespace
 
 int main(int count, char** values) {
-    Arguments arguments;
-    CLI::App app("Admits callers by the tokens that they bear.", "token_gate");
     try {
-        Describe(arguments, app);
-        app.parse(count, values);
-        return Run(arguments);
-    } catch (const CLI::Success& help) {
-        return app.exit(help);
+        return RunAsTold(count, values);
     } catch (const std::exception& error) {
         std::cerr << "token_gate: " << error.what() << "; see --help\n";
         return UnusableArguments;
