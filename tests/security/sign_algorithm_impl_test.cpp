@@ -48,8 +48,8 @@ TEST_P(Signatures, AreTheOnesOfTheCommandLine) {
     TestKeys::WriteFile(PathOf("text"), text);
     const std::string expected =
         OpenSsl("dgst -" + std::string(GetParam().opensslName) + " -sign " +
-                KeyNamed("signer").pemPath + " " + PathOf("text"));
-    EXPECT_EQ(Sign(GetParam().id, KeyNamed("signer").privateKey, text), *ToBlob(expected));
+                KeyNamed("rsa2048").pemPath + " " + PathOf("text"));
+    EXPECT_EQ(Sign(GetParam().id, KeyNamed("rsa2048").privateKey, text), *ToBlob(expected));
 }
 
 INSTANTIATE_TEST_SUITE_P(SignAlgorithm, Signatures,
@@ -61,7 +61,7 @@ INSTANTIATE_TEST_SUITE_P(SignAlgorithm, Signatures,
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST(SignAlgorithm, MakesSignaturesAsLongAsTheModulus) {
-    EXPECT_EQ(Sign(DigestId::Sha256, KeyNamed("signer").privateKey, "").size(), 256U);
+    EXPECT_EQ(Sign(DigestId::Sha256, KeyNamed("rsa2048").privateKey, "").size(), 256U);
     EXPECT_EQ(Sign(DigestId::Sha256, KeyNamed("root").privateKey, "").size(), 128U);
 }
 

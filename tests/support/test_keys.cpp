@@ -128,24 +128,10 @@ constexpr CertificateForm kForms[] = {
      "1001"},
 };
 
-/// How `genpkey` makes the keys that are not RSA with 2048 bits. Those of the hierarchies are
-/// short, since making long ones would take most of a test's time.
-const std::map<std::string, std::string> kKeyKinds = {
-    {"root", "-algorithm RSA -pkeyopt rsa_keygen_bits:1024"},
-    {"intermediate", "-algorithm RSA -pkeyopt rsa_keygen_bits:1024"},
-    {"lower", "-algorithm RSA -pkeyopt rsa_keygen_bits:1024"},
-    {"leaf", "-algorithm RSA -pkeyopt rsa_keygen_bits:1024"},
-    {"attacker", "-algorithm RSA -pkeyopt rsa_keygen_bits:1024"},
-    {"rsa512", "-algorithm RSA -pkeyopt rsa_keygen_bits:512"},
-    {"rsa1024", "-algorithm RSA -pkeyopt rsa_keygen_bits:1024"},
-    {"rsa3072", "-algorithm RSA -pkeyopt rsa_keygen_bits:3072"},
-    {"rsa4096", "-algorithm RSA -pkeyopt rsa_keygen_bits:4096"},
-    {"rsa-3", "-algorithm RSA -pkeyopt rsa_keygen_bits:2048 -pkeyopt rsa_keygen_pubexp:3"},
-    {"rsa-pss", "-algorithm RSA-PSS -pkeyopt rsa_keygen_bits:1024"},
-    {"ec", "-algorithm EC -pkeyopt ec_paramgen_curve:P-256"},
-    {"ed25519", "-algorithm ED25519"},
-};
-constexpr char kUsualKeyKind[] = "-algorithm RSA -pkeyopt rsa_keygen_bits:2048";
+/// The kinds of keys that have no form of RSA's own.
+bool IsRsa(const std::string& name) {
+    return name != "rsa-pss" && name != "ec" && name != "ed25519";
+}
 
 std::map<std::string, Certificate> madeCertificates;  // by name
 
@@ -215,18 +201,15 @@ std::string Configuration(const CertificateForm& form, const std::string& base) 
     return text;
 }
 
-Key CreateKey(const std::string& name) {
-    const auto kind = kKeyKinds.find(name);
+Key ReadKey(const std::string& name) {
     Key key;
     key.pemPath = PathOf(name + ".key");
-    OpenSsl("genpkey " + (kind == kKeyKinds.end() ? kUsualKeyKind : kind->second) + " -out " +
-            Quoted(key.pemPath));
+    key.pem = PlainLines(ReadFile(std::string(SAMLTOKEN_TEST_KEYS) + "/" + name + ".pem"));
+    WriteFile(key.pemPath, key.pem);
     const std::string from = " -in " + Quoted(key.pemPath);
-    key.pem = PlainLines(ReadFile(key.pemPath));
     key.publicPem = OpenSslText("pkey -pubout" + from);
     key.privateKey = ToBlob(OpenSsl("pkey -traditional -outform DER" + from));
-    const bool isRsa = kind == kKeyKinds.end() || kind->second.find("-algorithm RSA ") == 0;
-    if (isRsa) key.publicKey = ToBlob(OpenSsl("rsa -RSAPublicKey_out -outform DER" + from));
+    if (IsRsa(name)) key.publicKey = ToBlob(OpenSsl("rsa -RSAPublicKey_out -outform DER" + from));
     return key;
 }
 
@@ -295,7 +278,7 @@ ByteBlob ToBlob(const std::string& bytes) {
 const Key& KeyNamed(const std::string& name) {
     static std::map<std::string, Key> keys;
     const auto found = keys.find(name);
-    return found != keys.end() ? found->second : keys.emplace(name, CreateKey(name)).first->second;
+    return found != keys.end() ? found->second : keys.emplace(name, ReadKey(name)).first->second;
 }
 
 const Certificate& CertificateNamed(const std::string& name) {

@@ -4,8 +4,9 @@
 
 #include <string>
 
-/// Keys and certificates for tests, made by the openssl command line when they are first asked for
-/// and kept until the program ends; then their folder is removed.
+/// Keys and certificates for tests. The keys stand in tests/support/keys, so that every run sees
+/// the same bytes; certificates are made of them by the openssl command line when they are first
+/// asked for and kept until the program ends; then their folder is removed.
 ///
 /// Nothing here comes from the library: what it reads and writes can be compared with this.
 /// A step that fails throws `std::runtime_error` with what openssl said. Not for several threads.
@@ -33,11 +34,7 @@ struct Key {
     ByteBlob publicKey;     ///< DER, PKCS #1 RSAPublicKey.
 };
 
-/// The key with this name: "ec" (P-256), "ed25519", "rsa-pss", or RSA: with as many bits as
-/// "rsa512", "rsa1024", "rsa3072" and "rsa4096" say, with 1024 bits for those of the certificates
-/// in the table of test_keys.cpp ("root", "intermediate", "lower", "leaf", "attacker"), with 2048
-/// bits for any other name. Making 4096 bits takes seconds. The public exponent is 65537, of
-/// "rsa-3" it is 3.
+/// The key with this name: that of a file in tests/support/keys, whose page tells of each.
 const Key& KeyNamed(const std::string& name);
 
 struct Certificate {

@@ -1,5 +1,7 @@
 #include "hostile/attacks/spoiled_text.h"
 
+#include "saml/foundations.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -28,17 +30,27 @@ std::string WithBitFlipped(const std::string& text, std::size_t place, unsigned 
     return flipped;
 }
 
+bool IsControlCharacter(char character) {
+    return '\0' <= character && character < ' ' &&
+           std::string_view("\t\n\r").find(character) == std::string_view::npos;
+}
+
 bool IsBase64Letter(char character) {
     return kAlphabet.find(character) != std::string_view::npos;
 }
 
-bool IsUnusedBase64(const std::string& text, Extent base64, std::size_t place, char now) {
-    const std::size_t padding = text[base64.end - 1] == '=' ? 1 : 0;
-    if (text[base64.end - 2] == '=') throw std::runtime_error("two padding characters");
-    if (!base64.Holds(place) || place != base64.end - padding - 1 || !IsBase64Letter(now))
+bool DecodesAsBefore(const std::string& text, Extent base64, const std::string& spoiled) {
+    const std::size_t behind = text.size() - base64.end;
+    if (spoiled.size() < base64.begin + behind ||
+        spoiled.compare(0, base64.begin, text, 0, base64.begin) != 0 ||
+        spoiled.compare(spoiled.size() - behind, behind, text, base64.end, behind) != 0)
         return false;
-    const std::size_t unusedBits = 2 * padding;
-    return kAlphabet.find(now) >> unusedBits == kAlphabet.find(text[place]) >> unusedBits;
+    const std::string now = spoiled.substr(base64.begin, spoiled.size() - base64.begin - behind);
+    if (std::any_of(now.begin(), now.end(), IsControlCharacter)) return false;
+    std::string error;
+    return Base64::Decode(now, error) ==
+               Base64::Decode(text.substr(base64.begin, base64.end - base64.begin), error) &&
+           error.empty();
 }
 
 std::size_t Tally::Of(const std::string& outcome) const {

@@ -1,1 +1,0 @@
-// Only so that there is something to precompile headers for; see ../CMakeLists.txt.
