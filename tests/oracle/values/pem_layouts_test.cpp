@@ -5,6 +5,7 @@
 #include "support/test_keys.h"
 
 #include <gtest/gtest.h>
+#include <openssl/opensslv.h>
 
 #include <cstddef>
 #include <iostream>
@@ -102,6 +103,12 @@ const char* Verdict(const std::optional<std::string>& der) {
     return der ? "reads" : "refuses";
 }
 
+/// The command line is the system's; the library may have been built with an older libcrypto, which
+/// takes no byte order mark.
+bool IsBeyondOurLibcrypto(const Layout& layout) {
+    return OPENSSL_VERSION_NUMBER < 0x30000000L && layout.name == std::string("ByteOrderMark");
+}
+
 class PemLayout : public testing::TestWithParam<Reading> {};
 
 TEST_P(PemLayout, IsReadAsTheCommandLineReadsIt) {
@@ -117,6 +124,10 @@ TEST_P(PemLayout, IsReadAsTheCommandLineReadsIt) {
         const std::string pem = layout.write(objects);
         const std::optional<std::string> ours = Ours(reading.convert, pem);
         const std::optional<std::string> theirs = Theirs(reading.command, pem);
+        if (IsBeyondOurLibcrypto(layout)) {
+            EXPECT_EQ(ours, std::nullopt) << layout.name;
+            continue;
+        }
         EXPECT_EQ(ours, theirs) << layout.name << ": the library " << Verdict(ours) << ", openssl "
                                 << Verdict(theirs) << "\n"
                                 << pem;
