@@ -31,7 +31,7 @@ std::string WithBitFlipped(const std::string& text, std::size_t place, unsigned 
 }
 
 bool IsControlCharacter(char character) {
-    return '\0' <= character && character < ' ' &&
+    return static_cast<unsigned char>(character) < ' ' &&
            std::string_view("\t\n\r").find(character) == std::string_view::npos;
 }
 
