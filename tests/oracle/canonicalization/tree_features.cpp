@@ -254,7 +254,8 @@ class Counting {
 
     void CountNames(const Element& element) {
         const auto isAscii = [](const std::string& name) {
-            return std::all_of(name.begin(), name.end(), [](char byte) { return byte >= 0; });
+            return std::all_of(name.begin(), name.end(),
+                               [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
         };
         Note("a name that is not ASCII", !isAscii(LocalNameOf(element.name)));
         Note("a prefix that is not ASCII", !isAscii(PrefixOf(element.name)));
