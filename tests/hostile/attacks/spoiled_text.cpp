@@ -30,11 +30,6 @@ std::string WithBitFlipped(const std::string& text, std::size_t place, unsigned 
     return flipped;
 }
 
-bool IsControlCharacter(char character) {
-    return static_cast<unsigned char>(character) < ' ' &&
-           std::string_view("\t\n\r").find(character) == std::string_view::npos;
-}
-
 bool IsBase64Letter(char character) {
     return kAlphabet.find(character) != std::string_view::npos;
 }
@@ -46,11 +41,22 @@ bool DecodesAsBefore(const std::string& text, Extent base64, const std::string& 
         spoiled.compare(spoiled.size() - behind, behind, text, base64.end, behind) != 0)
         return false;
     const std::string now = spoiled.substr(base64.begin, spoiled.size() - base64.begin - behind);
-    if (std::any_of(now.begin(), now.end(), IsControlCharacter)) return false;
     std::string error;
     return Base64::Decode(now, error) ==
-               Base64::Decode(text.substr(base64.begin, base64.end - base64.begin), error) &&
-           error.empty();
+           Base64::Decode(text.substr(base64.begin, base64.end - base64.begin), error);
+}
+
+bool IsUnusedBase64(const std::string& text, Extent base64, std::size_t place,
+                    const std::string& flipped) {
+    const std::size_t padding = text[base64.end - 1] == '=' ? 1 : 0;
+    if (text[base64.end - 2] == '=') throw std::runtime_error("two padding characters");
+    if (!base64.Holds(place)) return false;
+    const char now = flipped[place];
+    if (std::string_view("\t\n\r ").find(now) != std::string_view::npos)
+        return DecodesAsBefore(text, base64, flipped);
+    if (place != base64.end - padding - 1 || !IsBase64Letter(now)) return false;
+    const std::size_t unusedBits = 2 * padding;
+    return kAlphabet.find(now) >> unusedBits == kAlphabet.find(text[place]) >> unusedBits;
 }
 
 std::size_t Tally::Of(const std::string& outcome) const {

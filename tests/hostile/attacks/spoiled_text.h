@@ -20,14 +20,18 @@ Extent ContentOf(const std::string& text, const std::string& name, std::size_t f
 
 std::string WithBitFlipped(const std::string& text, std::size_t place, unsigned bit);
 
-/// True when `spoiled` is `text` but for what stands in `base64`, which decodes to the same bytes.
-/// Characters can mean nothing there: bits in front of a padding that belong to no byte; and the
-/// codec makes up for what is missing in a last group with the bits of the group before, which may
-/// be the same.
+/// True when `spoiled` is `text` but for what stands in `base64`, which the codec decodes to the
+/// same bytes: it makes up for what is missing in a last group with the bits of the group before,
+/// which may be the same.
 bool DecodesAsBefore(const std::string& text, Extent base64, const std::string& spoiled);
+
+/// A place of a Base64 text whose change leaves the bytes as they are: the last character in front
+/// of the padding, when only those of its bits change that belong to no byte; or one that became a
+/// blank and so is missing, when it `DecodesAsBefore`. For texts with one padding character at
+/// most.
+bool IsUnusedBase64(const std::string& text, Extent base64, std::size_t place,
+                    const std::string& flipped);
 bool IsBase64Letter(char character);
-/// Those that no XML document has: the codec knows some of them as blanks.
-bool IsControlCharacter(char character);
 
 /// How often each outcome came.
 class Tally {

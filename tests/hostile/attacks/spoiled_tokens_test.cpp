@@ -55,9 +55,14 @@ bool IsBehindACertificate(Extent certificate, std::size_t place, char now) {
 bool IsMeaningless(const std::string& flipped, std::size_t place) {
     const Token& token = Genuine();
     for (const Extent& base64 : {token.signatureValue, token.signer, token.authority})
-        if (DecodesAsBefore(token.text, base64, flipped)) return true;
+        if (IsUnusedBase64(token.text, base64, place, flipped)) return true;
     return IsBehindACertificate(token.signer, place, flipped[place]) ||
            IsBehindACertificate(token.authority, place, flipped[place]);
+}
+
+bool IsControlCharacter(char character) {
+    return static_cast<unsigned char>(character) < ' ' &&
+           std::string("\t\n\r").find(character) == std::string::npos;
 }
 
 /// Who trusts exactly the signer asks for no authority and reads no certificate behind the
