@@ -15,19 +15,29 @@ constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwx
 constexpr char kPadding = '=';
 constexpr std::uint32_t kValues = 64;  // a sextet's value is below it
 
-/// The value of every byte in the alphabet, `kValues` for all others.
-constexpr std::array<std::uint8_t, 256> MakeValueTable() {
-    std::array<std::uint8_t, 256> values{};
-    for (std::uint8_t& value : values)
-        value = kValues;
-    for (std::uint8_t value = 0; value < kValues; ++value)
-        values[static_cast<unsigned char>(kAlphabet[value])] = value;
-    return values;
-}
-constexpr std::array<std::uint8_t, 256> kValueOf = MakeValueTable();
+/// For every byte its bits as the first, second, third and fourth character of a group;
+/// `kNoCharacter` for a byte that is not in the alphabet.
+using GroupTables = std::array<std::array<std::uint32_t, 256>, 4>;
+constexpr std::uint32_t kNoCharacter = std::uint32_t{1} << 31;
 
-std::uint32_t ValueOf(char character) {
-    return kValueOf[static_cast<unsigned char>(character)];
+constexpr GroupTables MakeGroupTables() {
+    GroupTables tables{};
+    std::uint32_t shift = 18;
+    for (auto& table : tables) {
+        for (std::uint32_t& bits : table)
+            bits = kNoCharacter;
+        for (std::uint32_t value = 0; value < kValues; ++value)
+            table[static_cast<unsigned char>(kAlphabet[value])] = value << shift;
+        shift -= 6;
+    }
+    return tables;
+}
+constexpr GroupTables kBitsOf = MakeGroupTables();
+
+constexpr std::size_t kLastPlace = 3;  // where a character's bits are its value
+
+std::uint32_t BitsOf(char character, std::size_t place) {
+    return kBitsOf[place][static_cast<unsigned char>(character)];
 }
 
 /// The six blanks of ASCII, whatever the C locale holds for one.
@@ -68,8 +78,8 @@ const char* DecodeLastGroup(std::string_view group, std::uint32_t accumulator,
                             unsigned char*& out) {
     for (std::size_t i = 0; i < group.size(); ++i) {
         if (group[i] == kPadding) return DecodePadding(group.substr(i), accumulator, out);
-        const std::uint32_t value = ValueOf(group[i]);
-        if (value == kValues) return kInvalidCharacter;
+        const std::uint32_t value = BitsOf(group[i], kLastPlace);
+        if (value == kNoCharacter) return kInvalidCharacter;
         accumulator = accumulator << 6 | value;
     }
     return kTruncated;
@@ -78,14 +88,12 @@ const char* DecodeLastGroup(std::string_view group, std::uint32_t accumulator,
 /// Decodes the groups of four data characters at the front of `text` and takes them off.
 void DecodeWholeGroups(std::string_view& text, std::uint32_t& accumulator, unsigned char*& out) {
     while (text.size() >= 4) {
-        const std::uint32_t first = ValueOf(text[0]);
-        const std::uint32_t second = ValueOf(text[1]);
-        const std::uint32_t third = ValueOf(text[2]);
-        const std::uint32_t fourth = ValueOf(text[3]);
-        if ((first | second | third | fourth) >= kValues) return;
+        const std::uint32_t group =
+            BitsOf(text[0], 0) | BitsOf(text[1], 1) | BitsOf(text[2], 2) | BitsOf(text[3], 3);
+        if ((group & kNoCharacter) != 0) return;
 
         // A padding never reaches further back than the last group: older bits may go.
-        accumulator = first << 18 | second << 12 | third << 6 | fourth;
+        accumulator = group;
         out[0] = Byte(accumulator >> 16);
         out[1] = Byte(accumulator >> 8);
         out[2] = Byte(accumulator);
