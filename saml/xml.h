@@ -207,9 +207,11 @@ class SAMLTOKEN_API ElementNode : public virtual Node {
     virtual bool GetAttribute(const ExpandedName& name, std::string& value) = 0;
     /// Replaces `out` by a copy of all attributes.
     virtual void GetAttributes(std::map<std::string, std::string>& out) = 0;
-    /// Inserts or overwrites.
+    /// Inserts or overwrites. Nothing is changed when memory is short.
     virtual void SetAttribute(const std::string& name, const std::string& value) = 0;
     /// \return True when there was such an attribute.
+    /// \throws std::bad_alloc  When the attributes are still as a parser reported them, and memory
+    ///                         is short; nothing is changed then.
     virtual bool RemoveAttribute(const std::string& name) = 0;
 
     /// Finds the URI that this element or the nearest ancestor element binds to `prefix` (empty:

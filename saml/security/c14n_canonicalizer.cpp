@@ -165,8 +165,8 @@ void C14NCanonicalizer::Canonicalize(FilteredNodeCursor cursor, Writer& out) con
 
 void C14NCanonicalizer::RenderNamespace(std::string_view prefix, NamespaceScope& scope,
                                         CanonicalAttributes& attributes) {
-    const std::string* const uri = scope.Render(prefix);
-    if (uri != nullptr) attributes.AddDeclaration(prefix, *uri);
+    const FoundText uri = scope.Render(prefix);
+    if (uri) attributes.AddDeclaration(prefix, *uri);
 }
 
 }  // namespace Saml::Xml::Security

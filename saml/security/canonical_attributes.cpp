@@ -35,9 +35,8 @@ bool ComesBefore(const CanonicalAttribute& left, const CanonicalAttribute& right
 
 void CanonicalAttributes::AddAttribute(std::string_view prefix, std::string_view localName,
                                        std::string_view value, const NamespaceScope& scope) {
-    const std::string* const bound = prefix.empty() ? nullptr : scope.Find(prefix);
-    const std::string_view uri = bound != nullptr ? std::string_view(*bound) : std::string_view();
-    entries_.push_back({prefix, localName, value, {uri, kNameSeparator, localName}});
+    const FoundText uri = prefix.empty() ? std::nullopt : scope.Find(prefix);
+    entries_.push_back({prefix, localName, value, {uri.value_or(""), kNameSeparator, localName}});
 }
 
 void CanonicalAttributes::AddDeclaration(std::string_view prefix, std::string_view uri) {

@@ -8,15 +8,15 @@ void NamespaceScope::Leave() {
     marks_.pop_back();
 }
 
-void NamespaceScope::Declare(std::string_view prefix, const std::string& uri) {
+void NamespaceScope::Declare(std::string_view prefix, std::string_view uri) {
     Binding& binding = bindings_[prefix];
     Remember(binding);
-    binding.inScope = &uri;
+    binding.inScope = uri;
 }
 
-void NamespaceScope::DeclareInherited(std::string_view prefix, const std::string& uri) {
+void NamespaceScope::DeclareInherited(std::string_view prefix, std::string_view uri) {
     Binding& binding = bindings_[prefix];
-    if (binding.inScope == nullptr) binding.inScope = &uri;
+    if (!binding.inScope) binding.inScope = uri;
 }
 
 NamespaceScope::Binding* NamespaceScope::FindBinding(std::string_view prefix) const {
@@ -28,21 +28,20 @@ NamespaceScope::Binding* NamespaceScope::FindBinding(std::string_view prefix) co
     return &last_->second;
 }
 
-const std::string* NamespaceScope::Find(std::string_view prefix) const {
+FoundText NamespaceScope::Find(std::string_view prefix) const {
     const Binding* const binding = FindBinding(prefix);
-    return binding != nullptr ? binding->inScope : nullptr;
+    return binding != nullptr ? binding->inScope : std::nullopt;
 }
 
-const std::string* NamespaceScope::Render(std::string_view prefix) {
+FoundText NamespaceScope::Render(std::string_view prefix) {
     Binding* const found = FindBinding(prefix);
-    if (found == nullptr || found->inScope == nullptr) return nullptr;
+    if (found == nullptr || !found->inScope) return std::nullopt;
 
     Binding& binding = *found;
-    if (binding.rendered != nullptr && *binding.rendered == *binding.inScope) return nullptr;
+    if (binding.rendered == binding.inScope) return std::nullopt;
     // An empty default declaration is needed only to undo a default that the output declared.
-    const bool undeclaresNothing =
-        prefix.empty() && binding.inScope->empty() && binding.rendered == nullptr;
-    if (undeclaresNothing) return nullptr;
+    const bool undeclaresNothing = prefix.empty() && binding.inScope->empty() && !binding.rendered;
+    if (undeclaresNothing) return std::nullopt;
 
     Remember(binding);
     binding.rendered = binding.inScope;

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "saml/xml/attribute.h"
+
 #include <cstddef>
 #include <map>
-#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -27,31 +28,31 @@ class NamespaceScope {
     void Leave();
 
     /// Brings `prefix` (empty: the default namespace) into scope, replacing an earlier binding.
-    void Declare(std::string_view prefix, const std::string& uri);
+    void Declare(std::string_view prefix, std::string_view uri);
     /// The same, unless `prefix` is bound: for ancestors, read from the nearest outward.
-    void DeclareInherited(std::string_view prefix, const std::string& uri);
+    void DeclareInherited(std::string_view prefix, std::string_view uri);
 
-    /// The URI that is in scope for `prefix`; null when it is unbound.
-    const std::string* Find(std::string_view prefix) const;
+    /// The URI that is in scope for `prefix`; nothing when it is unbound.
+    FoundText Find(std::string_view prefix) const;
 
     /// Decides whether the output needs a declaration of `prefix` here, and if so counts it as
     /// declared from here on down.
-    /// \return The URI to declare; null when there is nothing to write.
-    const std::string* Render(std::string_view prefix);
+    /// \return The URI to declare; nothing when there is nothing to write.
+    FoundText Render(std::string_view prefix);
 
     /// Calls `visit(prefix)` for every prefix in scope, in byte order.
     template <class Visit>
     void ForEachInScope(Visit visit) const {
         for (const auto& [prefix, binding] : bindings_)
-            if (binding.inScope != nullptr) visit(prefix);
+            if (binding.inScope) visit(prefix);
     }
 
   private:
     static constexpr std::size_t kUsualDepth = 16;
 
     struct Binding {
-        const std::string* inScope = nullptr;
-        const std::string* rendered = nullptr;
+        FoundText inScope;
+        FoundText rendered;
     };
     struct Change {
         Binding* binding;

@@ -24,9 +24,9 @@ SignatureReferenceImpl::SignatureReferenceImpl(std::shared_ptr<const SignatureCo
       digestValue_(new TextNodeImpl),
       uri_(uri),
       digestMethod_(digestMethod) {
-    element_->PutAttribute("URI", uri);
+    element_->SetAttribute("URI", uri);
     const boost::intrusive_ptr<ElementNodeImpl> method = context_->CreateElement("DigestMethod");
-    method->PutAttribute("Algorithm", digestMethod);
+    method->SetAttribute("Algorithm", digestMethod);
     element_->AppendNode(*method);
     const boost::intrusive_ptr<ElementNodeImpl> value = context_->CreateElement("DigestValue");
     value->AppendNode(*digestValue_);
@@ -61,8 +61,7 @@ ElementNodeImpl* SignatureReferenceImpl::FindTransform(const ElementNodeImpl& tr
     for (NodeImpl* node = transforms.FirstChild(); node != nullptr; node = node->NextSibling()) {
         ElementNodeImpl* const element = AsElement(node);
         if (element == nullptr || element->LocalName() != "Transform") continue;
-        const std::string* const present = element->FindAttribute("Algorithm");
-        if (present != nullptr && *present == algorithm) return element;
+        if (element->FindAttribute("Algorithm") == algorithm) return element;
     }
     return nullptr;
 }
@@ -79,7 +78,7 @@ ElementNodeImpl& SignatureReferenceImpl::RequireTransforms() {
 boost::intrusive_ptr<ElementNodeImpl> SignatureReferenceImpl::CreateTransform(
     const std::string& algorithm) const {
     boost::intrusive_ptr<ElementNodeImpl> transform = context_->CreateElement("Transform");
-    transform->PutAttribute("Algorithm", algorithm);
+    transform->SetAttribute("Algorithm", algorithm);
     return transform;
 }
 

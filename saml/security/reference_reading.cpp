@@ -8,8 +8,8 @@ namespace Saml::Xml::Security {
 namespace {
 
 constexpr char kUnexpectedChildren[] = "Unexpected child nodes under 'Reference'";
-std::string UnsupportedTransform(const std::string& algorithm) {
-    return "Unsupported transformation algorithm: " + algorithm;
+std::string UnsupportedTransform(std::string_view algorithm) {
+    return "Unsupported transformation algorithm: " + std::string(algorithm);
 }
 std::string NoPrefixList(const ElementNodeImpl& element) {
     return "Element '" + element.LocalName() + "' must have at least one attribute: 'PrefixList'";
@@ -26,8 +26,7 @@ SignatureReferenceImpl::SignatureReferenceImpl(std::shared_ptr<const SignatureCo
     : context_(std::move(context)), root_(&root), element_(referenceElement) {
     ExpectSignatureElement(referenceElement, "Reference", namespaces);
     CheckAttributes(*referenceElement, {}, {"URI", "Id"});
-    const std::string* const uri = referenceElement->FindAttribute("URI");
-    if (uri != nullptr) uri_ = *uri;
+    uri_ = referenceElement->FindAttribute("URI").value_or("");
 
     FilteredNodeCursor child(referenceElement, kReadingFilter);
     child.MoveToFirstChild();
@@ -63,7 +62,7 @@ void SignatureReferenceImpl::ReadTransforms(ElementNodeImpl& transforms,
 void SignatureReferenceImpl::ReadTransform(ElementNodeImpl* transform,
                                            const NamespaceContext& namespaces) {
     ExpectSignatureElement(transform, "Transform", namespaces);
-    const std::string& algorithm = ReadRequiredAttribute(*transform, "Algorithm");
+    const std::string_view algorithm = ReadRequiredAttribute(*transform, "Algorithm");
     if (algorithm == kEnvelopedSignatureTransform) {
         enveloped_ = true;
     } else if (algorithm == Algorithm::ExclusiveC14N) {
@@ -81,8 +80,8 @@ void SignatureReferenceImpl::ReadPrefixList(ElementNodeImpl& transform,
     child.MoveToFirstChild();
     const ElementNodeImpl* const parameter = AsElement(child.Current());
     if (!IsElement(parameter, "InclusiveNamespaces", kExclusiveC14NNamespace, namespaces)) return;
-    const std::string* const prefixList = parameter->FindAttribute("PrefixList");
-    if (prefixList == nullptr) throw SignatureSyntaxException(NoPrefixList(*parameter));
+    const FoundText prefixList = parameter->FindAttribute("PrefixList");
+    if (!prefixList) throw SignatureSyntaxException(NoPrefixList(*parameter));
     inclusivePrefixList_ = *prefixList;
 }
 

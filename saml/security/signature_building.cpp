@@ -13,7 +13,7 @@ constexpr char kNullContent[] = "Key information needs a content element.";
 void AppendMethod(ElementNodeImpl& signedInfo, const SignatureContext& context,
                   std::string_view localName, const std::string& algorithm) {
     const boost::intrusive_ptr<ElementNodeImpl> method = context.CreateElement(localName);
-    method->PutAttribute("Algorithm", algorithm);
+    method->SetAttribute("Algorithm", algorithm);
     signedInfo.AppendNode(*method);
 }
 
@@ -32,7 +32,7 @@ SignatureImpl::SignatureImpl(ElementNodeImpl& root, const std::string& canonical
       signedInfo_(context_->CreateElement("SignedInfo")),
       canonicalizationMethod_(canonicalizationMethod),
       signatureMethod_(signatureMethod) {
-    element_->PutAttribute(DeclarationName(namespacePrefix), kSignatureNamespace);
+    element_->SetAttribute(DeclarationName(namespacePrefix), kSignatureNamespace);
     element_->AppendNode(*signedInfo_);
     AppendMethod(*signedInfo_, *context_, "CanonicalizationMethod", canonicalizationMethod);
     AppendMethod(*signedInfo_, *context_, "SignatureMethod", signatureMethod);

@@ -16,7 +16,7 @@ std::string ReadMethod(FilteredNodeCursor& child, std::string_view localName,
     ElementNodeImpl* const method = AsElement(child.Current());
     ExpectSignatureElement(method, localName, namespaces);
     ExpectNoChildren(*method, kReadingFilter);
-    const std::string& algorithm = ReadRequiredAttribute(*method, "Algorithm");
+    std::string algorithm(ReadRequiredAttribute(*method, "Algorithm"));
     child.MoveToNextSibling();
     return algorithm;
 }

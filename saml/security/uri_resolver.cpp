@@ -29,10 +29,9 @@ std::string_view IdentifierOf(const std::string& uri) {
 }
 
 bool Carries(const ElementNodeImpl& element, std::string_view identifier) {
-    const AttributeMap& attributes = element.Attributes();
-    return std::any_of(attributes.begin(), attributes.end(), [identifier](const auto& attribute) {
-        return attribute.second == identifier && IsIdentifierAttribute(attribute.first);
-    });
+    for (const auto& [name, value] : element.Attributes())
+        if (value == identifier && IsIdentifierAttribute(name)) return true;
+    return false;
 }
 
 }  // namespace

@@ -30,8 +30,8 @@ std::string MissingAttribute(const std::string& element, std::string_view attrib
 std::string UnexpectedAttributes(const std::string& element) {
     return "Unexpected attributes on element '" + element + "'";
 }
-std::string UnexpectedAttribute(const std::string& attribute, const std::string& element) {
-    return "Unexpected attribute '" + attribute + "' on element '" + element + "'";
+std::string UnexpectedAttribute(std::string_view attribute, const std::string& element) {
+    return "Unexpected attribute '" + std::string(attribute) + "' on element '" + element + "'";
 }
 std::string NotADate(const std::string& element, std::string_view attribute) {
     return element + "/@" + std::string(attribute) + " is not a date";
@@ -92,42 +92,40 @@ void AssertionElement::Expect(std::string_view localName, std::string_view names
 void AssertionElement::CheckAttributes(AttributeNames required, AttributeNames optional) const {
     const std::string_view missing = Xml::FindMissingAttribute(*node_, required);
     if (!missing.empty()) throw ParseException(MissingAttribute(LocalName(), missing));
-    if (Xml::FindUnexpectedAttribute(*node_, required, optional) != nullptr)
+    if (Xml::FindUnexpectedAttribute(*node_, required, optional))
         throw ParseException(UnexpectedAttributes(LocalName()));
 }
 
 void AssertionElement::CheckTypedAttributes(AttributeNames optional) const {
-    const Xml::AttributeMap::value_type* const type = FindType();
-    if (type == nullptr) throw ParseException(MissingAttribute(LocalName(), kMissingTypeName));
+    const std::optional<Xml::Attribute> type = FindType();
+    if (!type) throw ParseException(MissingAttribute(LocalName(), kMissingTypeName));
     // By its written name, so that a second attribute that resolves to the same name, which nobody
     // would read, is unexpected like any other.
-    const std::string* const unexpected =
-        Xml::FindUnexpectedAttribute(*node_, {type->first}, optional);
-    if (unexpected != nullptr) throw ParseException(UnexpectedAttribute(*unexpected, LocalName()));
+    const Xml::FoundText unexpected = Xml::FindUnexpectedAttribute(*node_, {type->name}, optional);
+    if (unexpected) throw ParseException(UnexpectedAttribute(*unexpected, LocalName()));
 }
 
 bool AssertionElement::HasAttribute(std::string_view name) const {
-    return node_->FindAttribute(name) != nullptr;
+    return node_->FindAttribute(name).has_value();
 }
 
 std::string AssertionElement::Attribute(std::string_view name) const {
-    const std::string* const value = node_->FindAttribute(name);
-    return value != nullptr ? *value : std::string();
+    return std::string(node_->FindAttribute(name).value_or(""));
 }
 
 DateTime AssertionElement::Date(std::string_view name) const {
-    const std::string* const text = node_->FindAttribute(name);
+    const Xml::FoundText text = node_->FindAttribute(name);
     DateTime date;
-    if (text == nullptr || !DateTime::Create(*text, date))
+    if (!text || !DateTime::Create(std::string(*text), date))
         throw ParseException(NotADate(LocalName(), name));
     return date;
 }
 
 std::optional<std::uint64_t> AssertionElement::Count() const {
-    const std::string* const text = node_->FindAttribute(kCount);
-    if (text == nullptr) return std::nullopt;
+    const Xml::FoundText text = node_->FindAttribute(kCount);
+    if (!text) return std::nullopt;
     try {
-        return CountFromText(*text);
+        return CountFromText(std::string(*text));
     } catch (const std::bad_cast&) {  // the base of what both conversions throw
         throw ParseException(NotACount(LocalName()));
     }
@@ -136,28 +134,27 @@ std::optional<std::uint64_t> AssertionElement::Count() const {
 // A namespace declaration is never the type, even where somebody has bound the prefix "xmlns":
 // canonicalization leaves unused declarations out, so `xmlns:type` could be added to a signed
 // token.
-const Xml::AttributeMap::value_type* AssertionElement::FindType() const {
-    for (const auto& attribute : node_->Attributes()) {
-        const Xml::QualifiedName name = Xml::SplitQualifiedName(attribute.first);
+std::optional<Xml::Attribute> AssertionElement::FindType() const {
+    for (const Xml::Attribute attribute : node_->Attributes()) {
+        const Xml::QualifiedName name = Xml::SplitQualifiedName(attribute.name);
         if (name.localName != kTypeLocalName || name.prefix.empty()) continue;
-        if (Xml::IsNamespaceDeclaration(attribute.first)) continue;
-        const std::string* const uri = namespaces_->Find(*node_, name.prefix);
-        if (uri != nullptr && *uri == SamlUri::SchemaInstanceNamespace) return &attribute;
+        if (Xml::IsNamespaceDeclaration(attribute.name)) continue;
+        if (namespaces_->Find(*node_, name.prefix) == SamlUri::SchemaInstanceNamespace)
+            return attribute;
     }
-    return nullptr;
+    return std::nullopt;
 }
 
 bool AssertionElement::HasType(std::string_view localName, std::string_view namespaceUri) const {
-    const Xml::AttributeMap::value_type* const type = FindType();
-    if (type == nullptr) return false;
-    const Xml::QualifiedName name = Xml::SplitQualifiedName(type->second);
-    const std::string* const uri = namespaces_->Find(*node_, name.prefix);
-    return uri != nullptr && *uri == namespaceUri && name.localName == localName;
+    const std::optional<Xml::Attribute> type = FindType();
+    if (!type) return false;
+    const Xml::QualifiedName name = Xml::SplitQualifiedName(type->value);
+    return namespaces_->Find(*node_, name.prefix) == namespaceUri && name.localName == localName;
 }
 
 std::string AssertionElement::TypeAsWritten() const {
-    const Xml::AttributeMap::value_type* const type = FindType();
-    return type != nullptr ? type->second : std::string();
+    const std::optional<Xml::Attribute> type = FindType();
+    return type ? std::string(type->value) : std::string();
 }
 
 // Most elements hold one text: of these nothing else has to be asked.

@@ -60,7 +60,7 @@ class AssertionElement {
 
   private:
     const Xml::TextNodeImpl* LoneText() const;
-    const Xml::AttributeMap::value_type* FindType() const;
+    std::optional<Xml::Attribute> FindType() const;
 
     Xml::ElementNodeImpl* node_;
     const Xml::NamespaceContext* namespaces_;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "saml/xml/node_pool.h"
 #include "saml/xml/qualified_name.h"
 
 #include <boost/intrusive_ptr.hpp>
@@ -15,7 +16,8 @@ namespace Saml::Xml {
 /// The name of an element as it is written. A document has few of them for many elements, which
 /// share it; whoever changes a name that is shared takes one of its own.
 struct ElementName final
-    : public boost::intrusive_ref_counter<ElementName, boost::thread_safe_counter> {
+    : public boost::intrusive_ref_counter<ElementName, boost::thread_safe_counter>,
+      public Pooled {
     ElementName(std::string_view prefixText, std::string_view localText)
         : prefix(prefixText), localName(localText) {}
 
@@ -28,12 +30,12 @@ using ElementNamePtr = boost::intrusive_ptr<ElementName>;
 /// The names that a document under construction used last.
 class RecentNames {
   public:
-    /// The name that is written `qualifiedName`.
-    const ElementNamePtr& Get(std::string_view qualifiedName) {
+    /// The name that is written `qualifiedName`; made in `pool` when it was not used of late.
+    const ElementNamePtr& Get(std::string_view qualifiedName, NodePool& pool) {
         const QualifiedName parts = SplitQualifiedName(qualifiedName);
         ElementNamePtr& recent = names_[PlaceOf(qualifiedName)];
         if (!recent || recent->localName != parts.localName || recent->prefix != parts.prefix)
-            recent = new ElementName(parts.prefix, parts.localName);
+            recent = new (pool) ElementName(parts.prefix, parts.localName);
         return recent;
     }
 

@@ -15,9 +15,13 @@ ElementNamePtr MakeElementName(std::string_view prefix, std::string_view localNa
     return ElementNamePtr(new ElementName(prefix, localName));
 }
 
-}  // namespace
+/// `out` stays as it is when nothing was found.
+bool Give(FoundText found, std::string& out) {
+    if (found) out = *found;
+    return found.has_value();
+}
 
-const AttributeMap ElementNodeImpl::kNoAttributes;
+}  // namespace
 
 ElementNodeImpl::ElementNodeImpl(std::string_view prefix, std::string_view localName,
                                  std::int32_t line, std::int32_t column)
@@ -49,60 +53,39 @@ ElementName& ElementNodeImpl::OwnName() {
     return *name_;
 }
 
-AttributeMap& ElementNodeImpl::OwnAttributes() {
-    if (!attributes_) attributes_ = std::make_unique<AttributeMap>();
-    return *attributes_;
-}
-
 std::string ElementNodeImpl::GetQualifiedName() {
     return Prefix().empty() ? LocalName() : Prefix() + ":" + LocalName();
 }
 
 ExpandedName ElementNodeImpl::GetExpandedName() {
-    const std::string* const uri = FindNamespaceURI(*this, Prefix());
-    return {uri != nullptr ? *uri : std::string(), LocalName()};
+    return {std::string(FindNamespaceURI(*this, Prefix()).value_or("")), LocalName()};
 }
 
 bool ElementNodeImpl::GetAttribute(const std::string& name, std::string& value) {
-    const std::string* const found = FindAttribute(name);
-    if (found != nullptr) value = *found;
-    return found != nullptr;
+    return Give(FindAttribute(name), value);
 }
 
 bool ElementNodeImpl::GetAttribute(const ExpandedName& name, std::string& value) {
-    const std::string* const found = FindAttributeByName(*this, name.namespaceUri, name.localName);
-    if (found != nullptr) value = *found;
-    return found != nullptr;
+    return Give(FindAttributeByName(*this, name.namespaceUri, name.localName), value);
 }
 
 void ElementNodeImpl::GetAttributes(std::map<std::string, std::string>& out) {
-    std::map<std::string, std::string> copy(Attributes().begin(), Attributes().end());
+    std::map<std::string, std::string> copy;
+    for (const auto& [name, value] : attributes_)
+        copy.emplace_hint(copy.end(), name, value);
     out.swap(copy);
 }
 
 void ElementNodeImpl::SetAttribute(const std::string& name, const std::string& value) {
-    OwnAttributes().insert_or_assign(name, value);
-}
-
-void ElementNodeImpl::PutAttribute(std::string_view name, std::string_view value) {
-    AttributeMap& attributes = OwnAttributes();
-    attributes.insert_or_assign(attributes.end(), std::string(name), std::string(value));
+    attributes_.Set(name, value);
 }
 
 bool ElementNodeImpl::RemoveAttribute(const std::string& name) {
-    return attributes_ && attributes_->erase(name) != 0;
+    return attributes_.Remove(name);
 }
 
 bool ElementNodeImpl::LookupNamespaceURI(const std::string& prefix, std::string& uri) {
-    const std::string* const found = FindNamespaceURI(*this, prefix);
-    if (found != nullptr) uri = *found;
-    return found != nullptr;
-}
-
-const std::string* ElementNodeImpl::FindAttribute(std::string_view name) const {
-    if (!attributes_) return nullptr;
-    const auto found = attributes_->find(name);
-    return found != attributes_->end() ? &found->second : nullptr;
+    return Give(FindNamespaceURI(*this, prefix), uri);
 }
 
 ElementNode* CreateElementNode(const std::string& prefix, const std::string& localName) {

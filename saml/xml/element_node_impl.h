@@ -1,19 +1,16 @@
 #pragma once
 
 #include "saml/xml.h"
+#include "saml/xml/element_attributes.h"
 #include "saml/xml/element_name.h"
 #include "saml/xml/node_impl.h"
 
-#include <functional>
 #include <map>
-#include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace Saml::Xml {
-
-/// Attributes by written name, in the byte order of the names.
-using AttributeMap = std::map<std::string, std::string, std::less<>>;
 
 class ElementNodeImpl final : public virtual ElementNode, public NodeImpl {
   public:
@@ -47,21 +44,18 @@ class ElementNodeImpl final : public virtual ElementNode, public NodeImpl {
 
     const std::string& Prefix() const noexcept { return name_->prefix; }
     const std::string& LocalName() const noexcept { return name_->localName; }
-    const AttributeMap& Attributes() const noexcept {
-        return attributes_ ? *attributes_ : kNoAttributes;
+    const ElementAttributes& Attributes() const noexcept { return attributes_; }
+    /// What a parser reported, for an element without attributes; see `ElementAttributes::Fill`.
+    void FillAttributes(std::vector<Attribute>& reported, NodePool& pool) {
+        attributes_.Fill(reported, pool);
     }
-    /// `SetAttribute` for texts that are not strings yet; cheapest in ascending order of names.
-    void PutAttribute(std::string_view name, std::string_view value);
-    /// The value of the attribute with this written name; null when there is none.
-    const std::string* FindAttribute(std::string_view name) const;
+    /// The value of the attribute with this written name.
+    FoundText FindAttribute(std::string_view name) const { return attributes_.Find(name); }
 
   private:
-    static const AttributeMap kNoAttributes;
-
-    AttributeMap& OwnAttributes();
     ElementName& OwnName();
 
-    std::unique_ptr<AttributeMap> attributes_;  ///< Null while there are none: most have none.
+    ElementAttributes attributes_;
     ElementNamePtr name_;
     std::int32_t line_;
     std::int32_t column_;

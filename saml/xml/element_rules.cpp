@@ -14,23 +14,22 @@ bool Contains(AttributeNames names, std::string_view name) {
 ElementMatch MatchElement(const ElementNodeImpl* element, std::string_view localName,
                           std::string_view namespaceUri, const NamespaceContext& namespaces) {
     if (element == nullptr || element->LocalName() != localName) return ElementMatch::OtherName;
-    const std::string* const uri = namespaces.NamespaceOf(*element);
-    return uri != nullptr && *uri == namespaceUri ? ElementMatch::Match
-                                                  : ElementMatch::OtherNamespace;
+    return namespaces.NamespaceOf(*element) == namespaceUri ? ElementMatch::Match
+                                                            : ElementMatch::OtherNamespace;
 }
 
 std::string_view FindMissingAttribute(const ElementNodeImpl& element, AttributeNames required) {
     for (const std::string_view name : required)
-        if (element.FindAttribute(name) == nullptr) return name;
+        if (!element.FindAttribute(name)) return name;
     return {};
 }
 
-const std::string* FindUnexpectedAttribute(const ElementNodeImpl& element, AttributeNames required,
-                                           AttributeNames optional) {
+FoundText FindUnexpectedAttribute(const ElementNodeImpl& element, AttributeNames required,
+                                  AttributeNames optional) {
     for (const auto& [name, value] : element.Attributes())
         if (!Contains(required, name) && !Contains(optional, name) && !IsNamespaceDeclaration(name))
-            return &name;
-    return nullptr;
+            return name;
+    return std::nullopt;
 }
 
 TextNodeImpl* FindOnlyText(ElementNodeImpl& element, const Security::NodeFilter& filter) {

@@ -24,10 +24,10 @@ ElementMatch MatchElement(const ElementNodeImpl* element, std::string_view local
 /// The first name of `required` that `element` lacks; empty when it has them all.
 std::string_view FindMissingAttribute(const ElementNodeImpl& element, AttributeNames required);
 
-/// The written name of the first attribute that is in neither list and declares no namespace; null
-/// when there is none.
-const std::string* FindUnexpectedAttribute(const ElementNodeImpl& element, AttributeNames required,
-                                           AttributeNames optional);
+/// The written name of the first attribute that is in neither list and declares no namespace;
+/// nothing when there is none.
+FoundText FindUnexpectedAttribute(const ElementNodeImpl& element, AttributeNames required,
+                                  AttributeNames optional);
 
 /// The only child of `element` that the filter keeps, when that is a text; else null.
 TextNodeImpl* FindOnlyText(ElementNodeImpl& element, const Security::NodeFilter& filter);

@@ -15,27 +15,29 @@ bool StartsWith(std::string_view text, std::string_view start) noexcept {
     return text.substr(0, start.size()) == start;
 }
 
-/// The default namespace that `element` declares, nothing when it does not. Null when it declares
+/// True when `element` declares a default namespace. Then gives its URI, nothing when it declares
 /// one in several spellings: which of them canonicalization takes depends on where its apex is.
-std::optional<const std::string*> FindDefault(const ElementNodeImpl& element) {
-    std::optional<const std::string*> found;
-    for (const std::string_view name : {kDefaultDeclaration, kPrefixDeclaration, kColonInFront}) {
-        const std::string* const uri = element.FindAttribute(name);
-        if (uri == nullptr) continue;
-        if (found) return nullptr;
-        found = uri;
-    }
-    return found;
+bool DeclaresDefault(const ElementNodeImpl& element, FoundText& uri) {
+    int spellings = 0;
+    for (const std::string_view name : {kDefaultDeclaration, kPrefixDeclaration, kColonInFront})
+        if (const FoundText declared = element.FindAttribute(name)) {
+            uri = declared;
+            ++spellings;
+        }
+    if (spellings > 1) uri = std::nullopt;
+    return spellings != 0;
 }
 
 /// By prefix, what canonicalization finds declared by `element`, when not null, and above it.
 DeclarationMap CanonicalNamespaces(const ElementNodeImpl* element) {
     DeclarationMap namespaces;
     for (; element != nullptr; element = ParentElement(*element)) {
-        if (const auto uri = FindDefault(*element)) namespaces.emplace(std::string_view(), *uri);
+        FoundText defaultUri;
+        if (DeclaresDefault(*element, defaultUri))
+            namespaces.emplace(std::string_view(), defaultUri);
         for (const auto& [name, uri] : element->Attributes())
             if (IsNamespaceDeclaration(name) && !DeclaredPrefix(name).empty())
-                namespaces.emplace(DeclaredPrefix(name), &uri);
+                namespaces.emplace(DeclaredPrefix(name), uri);
     }
     return namespaces;
 }
@@ -61,17 +63,17 @@ std::string DeclarationName(std::string_view prefix) {
     return name;
 }
 
-const std::string* FindNamespaceURI(const ElementNodeImpl& element, std::string_view prefix) {
+FoundText FindNamespaceURI(const ElementNodeImpl& element, std::string_view prefix) {
     const std::string declaration = DeclarationName(prefix);
     for (const ElementNodeImpl* scope = &element; scope != nullptr; scope = ParentElement(*scope)) {
-        const std::string* const uri = scope->FindAttribute(declaration);
-        if (uri != nullptr) return uri;
+        const FoundText uri = scope->FindAttribute(declaration);
+        if (uri) return uri;
     }
-    return nullptr;
+    return std::nullopt;
 }
 
-const std::string* FindAttributeByName(const ElementNodeImpl& element, std::string_view uri,
-                                       std::string_view localName) {
+FoundText FindAttributeByName(const ElementNodeImpl& element, std::string_view uri,
+                              std::string_view localName) {
     return NamespaceContext(element).FindAttribute(element, uri, localName);
 }
 
@@ -79,15 +81,14 @@ DeclarationMap DeclarationsInForce(const ElementNodeImpl* element) {
     DeclarationMap declarations;
     for (; element != nullptr; element = ParentElement(*element))
         for (const auto& [name, uri] : element->Attributes())
-            if (IsNamespaceDeclaration(name)) declarations.emplace(name, &uri);
+            if (IsNamespaceDeclaration(name)) declarations.emplace(name, uri);
     return declarations;
 }
 
-const std::string* NamespaceContext::Find(const ElementNodeImpl& element,
-                                          std::string_view prefix) const {
-    if (!element.Attributes().empty() || &element == &apex_) return Search(element, prefix);
+FoundText NamespaceContext::Find(const ElementNodeImpl& element, std::string_view prefix) const {
+    if (!element.Attributes().IsEmpty() || &element == &apex_) return Search(element, prefix);
     if (last_.parent != element.Parent() || last_.prefix != prefix) {
-        const std::string* const uri = Search(element, prefix);
+        const FoundText uri = Search(element, prefix);
         last_.parent = nullptr;  // nothing is known until all of it is
         last_.prefix = prefix;
         last_.uri = uri;
@@ -96,15 +97,15 @@ const std::string* NamespaceContext::Find(const ElementNodeImpl& element,
     return last_.uri;
 }
 
-const std::string* NamespaceContext::Search(const ElementNodeImpl& element,
-                                            std::string_view prefix) const {
+FoundText NamespaceContext::Search(const ElementNodeImpl& element, std::string_view prefix) const {
     const std::string declaration = DeclarationName(prefix);
     const ElementNodeImpl* const above = ParentElement(apex_);
     for (const ElementNodeImpl* scope = &element; scope != nullptr && scope != above;
          scope = ParentElement(*scope)) {
         if (prefix.empty()) {
-            if (const auto uri = FindDefault(*scope)) return *uri;
-        } else if (const std::string* const uri = scope->FindAttribute(declaration)) {
+            FoundText uri;
+            if (DeclaresDefault(*scope, uri)) return uri;
+        } else if (const FoundText uri = scope->FindAttribute(declaration)) {
             return uri;
         }
     }
@@ -113,21 +114,19 @@ const std::string* NamespaceContext::Search(const ElementNodeImpl& element,
         inheritedKnown_ = true;
     }
     const auto found = inherited_.find(prefix);
-    return found != inherited_.end() ? found->second : nullptr;
+    return found != inherited_.end() ? found->second : std::nullopt;
 }
 
-const std::string* NamespaceContext::FindAttribute(const ElementNodeImpl& element,
-                                                   std::string_view uri,
-                                                   std::string_view localName) const {
+FoundText NamespaceContext::FindAttribute(const ElementNodeImpl& element, std::string_view uri,
+                                          std::string_view localName) const {
     for (const auto& [written, value] : element.Attributes()) {
         const QualifiedName name = SplitQualifiedName(written);
         if (name.localName != localName) continue;
         // Without a prefix an attribute is in no namespace, whatever the default declaration says.
-        const std::string* const bound = name.prefix.empty() ? nullptr : Find(element, name.prefix);
-        if ((bound != nullptr ? std::string_view(*bound) : std::string_view()) == uri)
-            return &value;
+        const FoundText bound = name.prefix.empty() ? std::nullopt : Find(element, name.prefix);
+        if (bound.value_or("") == uri) return value;
     }
-    return nullptr;
+    return std::nullopt;
 }
 
 }  // namespace Saml::Xml

@@ -22,17 +22,18 @@ std::string_view DeclaredPrefix(std::string_view declaration) noexcept;
 /// The name of the attribute that declares `prefix`; "xmlns" for the empty one.
 std::string DeclarationName(std::string_view prefix);
 
-/// The URI that `element` or its nearest declaring ancestor element binds to `prefix`; null when
-/// none does. Walks up the parents: a pass that asks often uses a `NamespaceContext`.
-const std::string* FindNamespaceURI(const ElementNodeImpl& element, std::string_view prefix);
+/// The URI that `element` or its nearest declaring ancestor element binds to `prefix`; nothing
+/// when none does. Walks up the parents: a pass that asks often uses a `NamespaceContext`.
+FoundText FindNamespaceURI(const ElementNodeImpl& element, std::string_view prefix);
 
-/// The value of the first attribute, in name order, with this namespace and local part; null when
-/// there is none. Walks up the parents once at most.
-const std::string* FindAttributeByName(const ElementNodeImpl& element, std::string_view uri,
-                                       std::string_view localName);
+/// The value of the first attribute, in name order, with this namespace and local part; nothing
+/// when there is none. Walks up the parents once at most.
+FoundText FindAttributeByName(const ElementNodeImpl& element, std::string_view uri,
+                              std::string_view localName);
 
-/// Declarations by a text of theirs; refers into the tree.
-using DeclarationMap = std::map<std::string_view, const std::string*, std::less<>>;
+/// Declarations by a text of theirs; refers into the tree. Without a URI where an element declares
+/// its default namespace in several spellings.
+using DeclarationMap = std::map<std::string_view, FoundText>;
 
 /// What `element`, when not null, and its ancestor elements declare, by declaration name ("xmlns",
 /// "xmlns:p"); the nearest one wins.
@@ -51,17 +52,17 @@ class NamespaceContext {
   public:
     explicit NamespaceContext(const ElementNodeImpl& apex) noexcept : apex_(apex) {}
 
-    /// The URI that is bound to `prefix` at `element`, the apex or one below it; null when there is
-    /// none.
-    const std::string* Find(const ElementNodeImpl& element, std::string_view prefix) const;
-    /// The URI bound to the prefix of `element`; null when none is.
-    const std::string* NamespaceOf(const ElementNodeImpl& element) const {
+    /// The URI that is bound to `prefix` at `element`, the apex or one below it; nothing when there
+    /// is none.
+    FoundText Find(const ElementNodeImpl& element, std::string_view prefix) const;
+    /// The URI bound to the prefix of `element`; nothing when none is.
+    FoundText NamespaceOf(const ElementNodeImpl& element) const {
         return Find(element, element.Prefix());
     }
-    /// The value of the first attribute, in name order, with this namespace and local part; null
+    /// The value of the first attribute, in name order, with this namespace and local part; nothing
     /// when there is none.
-    const std::string* FindAttribute(const ElementNodeImpl& element, std::string_view uri,
-                                     std::string_view localName) const;
+    FoundText FindAttribute(const ElementNodeImpl& element, std::string_view uri,
+                            std::string_view localName) const;
 
   private:
     /// What was found last, where all that counts is the parent: an element without attributes
@@ -69,10 +70,10 @@ class NamespaceContext {
     struct Answer {
         const NodeImpl* parent = nullptr;
         std::string prefix;
-        const std::string* uri = nullptr;
+        FoundText uri;
     };
 
-    const std::string* Search(const ElementNodeImpl& element, std::string_view prefix) const;
+    FoundText Search(const ElementNodeImpl& element, std::string_view prefix) const;
 
     const ElementNodeImpl& apex_;
     mutable DeclarationMap inherited_;  ///< By prefix.

@@ -9,8 +9,8 @@ namespace {
 constexpr char kNil[] = "xsi:nil";
 constexpr char kNull[] = "xsi:null";
 
-bool IsTrue(const std::string* value) {
-    return value != nullptr && (*value == "true" || *value == "1");
+bool IsTrue(FoundText value) {
+    return value == "true" || value == "1";
 }
 
 bool IsNilElement(const ElementNodeImpl& element) {

@@ -32,8 +32,7 @@ ElementNode* FindByLocalName(NodeImpl* first, const std::string& localName) {
 
 bool Declares(const ElementNodeImpl& element, const std::string& declaration,
               const std::string& uri) {
-    const std::string* const declared = element.FindAttribute(declaration);
-    return declared != nullptr && *declared == uri;
+    return element.FindAttribute(declaration) == uri;
 }
 
 // A candidate's own declaration counts only when it gives the wanted URI; another URI does not hide
@@ -51,7 +50,7 @@ ElementNode* FindByExpandedName(NodeImpl* first, const ExpandedName& name) {
         if (!std::exchange(inheritedKnown, true))
             inherited = DeclarationsInForce(ParentElement(*candidate));
         const auto found = inherited.find(declaration);
-        if (found != inherited.end() && *found->second == name.namespaceUri) return candidate;
+        if (found != inherited.end() && found->second == name.namespaceUri) return candidate;
     }
     return nullptr;
 }

@@ -14,17 +14,9 @@ namespace Saml::Xml {
 /// library trees are walked through the non-virtual accessors: every node of a tree is a
 /// `NodeImpl`, and `Type()` tells which of the final classes it is, so no walk pays for a dynamic
 /// cast.
-class NodeImpl : public virtual Node {
+class NodeImpl : public virtual Node, public Pooled {
   public:
     ~NodeImpl() override;
-
-    static void* operator new(std::size_t size) { return NodePool::AllocateAlone(size); }
-    static void* operator new(std::size_t size, NodePool& pool) { return pool.Allocate(size); }
-    static void operator delete(void* node, std::size_t size) noexcept {
-        NodePool::Free(node, size);
-    }
-    /// After a constructor that threw.
-    static void operator delete(void* node, NodePool&) noexcept { NodePool::Free(node, 0); }
 
     Node* GetParent() final { return parent_; }
     Node* GetFirstChild() final { return firstChild_.get(); }

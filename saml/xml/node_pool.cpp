@@ -22,6 +22,8 @@ namespace {
 
 constexpr std::size_t kFirstChunk = 4096;
 constexpr std::size_t kLongestChunk = std::size_t{64} * 1024;
+/// What is longer stands alone: no chunk is left half empty for it.
+constexpr std::size_t kLongestInChunk = kFirstChunk / 2;
 
 // A use of a freed node is found by AddressSanitizer although its chunk lives on.
 void Poison([[maybe_unused]] const void* memory, [[maybe_unused]] std::size_t size) noexcept {
@@ -88,7 +90,7 @@ struct Header {
 };
 
 constexpr std::size_t Padded(std::size_t size) noexcept {
-    return (size + alignof(Header) - 1) / alignof(Header) * alignof(Header);
+    return (size + NodePool::kAlignment - 1) / NodePool::kAlignment * NodePool::kAlignment;
 }
 
 void* BehindHeader(void* memory, void* chunk) noexcept {
@@ -101,11 +103,12 @@ NodePool::NodePool() noexcept = default;
 NodePool::~NodePool() = default;
 
 void* NodePool::Allocate(std::size_t size) {
+    if (size > kLongestInChunk) return AllocateAlone(size);
     const std::size_t needed = sizeof(Header) + Padded(size);
     if (!chunk_ || !chunk_->HasRoomFor(needed)) {
-        const std::size_t wanted = std::min(std::max(2 * chunkSize_, kFirstChunk), kLongestChunk);
-        chunk_.reset(new Chunk(std::max(wanted, needed)));
-        chunkSize_ = wanted;
+        const std::size_t length = std::min(std::max(taken_ / 2, kFirstChunk), kLongestChunk);
+        chunk_.reset(new Chunk(length));
+        taken_ += length;
     }
     return BehindHeader(chunk_->Take(needed), chunk_.get());
 }
@@ -126,7 +129,7 @@ void NodePool::Free(void* node, std::size_t size) noexcept {
 
 void NodePool::Retire() noexcept {
     chunk_.reset();
-    chunkSize_ = 0;
+    taken_ = 0;
 }
 
 }  // namespace Saml::Xml

@@ -51,11 +51,12 @@ const ElementNodeImpl* FirstMatch(const NodeImpl* first, std::string_view step) 
     return nullptr;
 }
 
-/// The value at the end of `path` when its element steps lead to `element`; null when it has none.
-const std::string* ValueAt(const ElementNodeImpl& element, const Path& path) {
+/// The value at the end of `path` when its element steps lead to `element`; nothing when there is
+/// none.
+FoundText ValueAt(const ElementNodeImpl& element, const Path& path) {
     if (path.endsOnAttribute) return element.FindAttribute(path.attribute);
     const TextNodeImpl* const text = AsText(element.FirstChild());
-    return text != nullptr ? &text->Text() : nullptr;
+    return text != nullptr ? FoundText(text->Text()) : std::nullopt;
 }
 
 bool Begins(const ElementNodeImpl& start, const Path& path) {
@@ -77,8 +78,8 @@ void CollectValues(const ElementNodeImpl& start, const Path& path,
     for (;;) {
         const ElementNodeImpl* next = nullptr;
         if (step == lastStep) {
-            const std::string* const value = ValueAt(*element, path);
-            if (value != nullptr) values.push_back(*value);
+            const FoundText value = ValueAt(*element, path);
+            if (value) values.emplace_back(*value);
         } else {
             next = FirstMatch(element->FirstChild(), path.elements[step + 1]);
             if (next != nullptr) ++step;
@@ -107,9 +108,9 @@ bool EvaluateSimplePath(ElementNode* start, const std::string& path, std::string
         element = FirstMatch(element->FirstChild(), steps.elements[step]);
         if (element == nullptr) return false;
     }
-    const std::string* const found = ValueAt(*element, steps);
-    if (found != nullptr) value = *found;
-    return found != nullptr;
+    const FoundText found = ValueAt(*element, steps);
+    if (found) value = *found;
+    return found.has_value();
 }
 
 bool EvaluateSimplePath(Document* document, const std::string& path, std::string& value) {

@@ -11,8 +11,9 @@ constexpr std::string_view kSignatureNamespace = "http://www.w3.org/2000/09/xmld
 std::string NotFound(std::string_view localName) {
     return "Expected element '" + std::string(localName) + "' not found.";
 }
-std::string UnexpectedNamespace(const ElementNodeImpl& element, const std::string& uri) {
-    return "Element '" + element.LocalName() + " has unexpected namespace: '" + uri + "'";
+std::string UnexpectedNamespace(const ElementNodeImpl& element, std::string_view uri) {
+    return "Element '" + element.LocalName() + " has unexpected namespace: '" + std::string(uri) +
+           "'";
 }
 std::string MissingAttribute(const ElementNodeImpl& element, std::string_view name) {
     return "Node '" + element.LocalName() + " is missing required attribute '" + std::string(name) +
@@ -41,9 +42,8 @@ void ExpectElement(const ElementNodeImpl* element, std::string_view localName,
         case ElementMatch::OtherNamespace:
             break;
     }
-    const std::string* const uri = namespaces.NamespaceOf(*element);
-    throw SignatureSyntaxException(
-        UnexpectedNamespace(*element, uri != nullptr ? *uri : std::string()));
+    const FoundText uri = namespaces.NamespaceOf(*element);
+    throw SignatureSyntaxException(UnexpectedNamespace(*element, uri.value_or("")));
 }
 
 void ExpectSignatureElement(const ElementNodeImpl* element, std::string_view localName,
@@ -65,11 +65,11 @@ void CheckAttributes(const ElementNodeImpl& element, AttributeNames required,
                      AttributeNames optional) {
     const std::string_view missing = FindMissingAttribute(element, required);
     if (!missing.empty()) throw SignatureSyntaxException(MissingAttribute(element, missing));
-    if (FindUnexpectedAttribute(element, required, optional) != nullptr)
+    if (FindUnexpectedAttribute(element, required, optional))
         throw SignatureSyntaxException(UnexpectedAttributes(element));
 }
 
-const std::string& ReadRequiredAttribute(const ElementNodeImpl& element, std::string_view name) {
+std::string_view ReadRequiredAttribute(const ElementNodeImpl& element, std::string_view name) {
     CheckAttributes(element, {name});
     return *element.FindAttribute(name);
 }

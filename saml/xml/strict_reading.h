@@ -29,7 +29,7 @@ void CheckAttributes(const ElementNodeImpl& element, AttributeNames required,
                      AttributeNames optional = {});
 
 /// The value of the only attribute, `name`, that `element` must carry and may carry.
-const std::string& ReadRequiredAttribute(const ElementNodeImpl& element, std::string_view name);
+std::string_view ReadRequiredAttribute(const ElementNodeImpl& element, std::string_view name);
 
 /// Throws when `filter` keeps any child of `element`.
 void ExpectNoChildren(ElementNodeImpl& element, const Security::NodeFilter& filter);

@@ -10,6 +10,11 @@
 namespace Saml::Xml {
 namespace {
 
+template <class... Kinds>
+constexpr bool FitPools = ((alignof(Kinds) <= NodePool::kAlignment) && ...);
+static_assert(FitPools<ElementName, ElementNodeImpl, TextNodeImpl, CDataNodeImpl, CommentNodeImpl,
+                       ProcessingInstructionNodeImpl>);
+
 constexpr char kNoDocument[] = "An event arrived outside a document.";
 
 }  // namespace
@@ -22,6 +27,7 @@ void XMLDocHandlerImpl::StartDocument(bool enforceLimits, boost::intrusive_ptr<N
     const boost::intrusive_ptr<DocumentImpl> created(new DocumentImpl);
     open_.clear();
     pool_.Retire();
+    names_ = RecentNames();  // they stand in the memory of the document before
     limits_.Start(enforceLimits);
     document_ = created;
     document = created;
@@ -34,15 +40,17 @@ void XMLDocHandlerImpl::StartDocument(boost::intrusive_ptr<Node>& document) {
 void XMLDocHandlerImpl::StartElement(const std::string& qualifiedName, unsigned line,
                                      unsigned column, const char** attributes) {
     limits_.CountNode(qualifiedName.size());
-    boost::intrusive_ptr<ElementNodeImpl> element(
-        new (pool_) ElementNodeImpl(names_.Get(qualifiedName), static_cast<std::int32_t>(line),
-                                    static_cast<std::int32_t>(column)));
+    boost::intrusive_ptr<ElementNodeImpl> element(new (pool_) ElementNodeImpl(
+        names_.Get(qualifiedName, pool_), static_cast<std::int32_t>(line),
+        static_cast<std::int32_t>(column)));
+    attributes_.clear();
     for (const char** attribute = attributes; *attribute != nullptr; attribute += 2) {
         const std::string_view attributeName(attribute[0]);
         const std::string_view value(attribute[1]);
         limits_.CountSize(value.size() + attributeName.size());
-        element->PutAttribute(attributeName, value);
+        attributes_.push_back({attributeName, value});
     }
+    if (!attributes_.empty()) element->FillAttributes(attributes_, pool_);
     AddOpen(std::move(element));
 }
 
@@ -95,6 +103,7 @@ void XMLDocHandlerImpl::Reset() {
     open_.clear();
     pool_.Retire();
     names_ = RecentNames();  // they may be as long as a document
+    attributes_ = std::vector<Attribute>();
     document_.reset();
 }
 

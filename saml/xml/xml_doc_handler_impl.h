@@ -2,6 +2,8 @@
 
 #include "saml/xml.h"
 #include "saml/xml/document_impl.h"
+#include "saml/xml/element_attributes.h"
+#include "saml/xml/element_name.h"
 #include "saml/xml/node_impl.h"
 #include "saml/xml/parse_limits.h"
 
@@ -39,6 +41,7 @@ class XMLDocHandlerImpl final : public XMLHandler {
     boost::intrusive_ptr<DocumentImpl> document_;
     NodePool pool_;  ///< Of the document under construction.
     RecentNames names_;
+    std::vector<Attribute> attributes_;  ///< Of the tag that was reported last.
     ParseLimits limits_;
 };
 

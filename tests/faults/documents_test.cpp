@@ -127,6 +127,26 @@ TEST(DocumentInShortage, TakesAnAttributeWholeOrNotAtAll) {
     ExpectSoundInShortage(call, kReturned, {{"bad_alloc"}, {}, {}});
 }
 
+// The first change of what a parser reported moves all of it.
+TEST(DocumentInShortage, ChangesReportedAttributesWhollyOrNotAtAll) {
+    const auto parsed = [] {
+        return Xml::Parsed("<a b='1' c='a value that is longer than what a string holds'/>");
+    };
+    const auto told = [](const Held<Xml::Document>& document) { return Xml::Outline(*document); };
+    for (const char* name : {"b", "c", "d"}) {
+        const FaultyCall set = CallFor<Held<Xml::Document>>(
+            [name](Held<Xml::Document>& document) {
+                document->GetRootElement()->SetAttribute(name, "another long value, longer yet");
+            },
+            told, parsed);
+        ExpectSoundInShortage(set, kReturned, {{"bad_alloc"}, {}, {}});
+    }
+    const FaultyCall remove = CallFor<Held<Xml::Document>>(
+        [](Held<Xml::Document>& document) { document->GetRootElement()->RemoveAttribute("b"); },
+        told, parsed);
+    ExpectSoundInShortage(remove, kReturned, {{"bad_alloc"}, {}, {}});
+}
+
 TEST(DocumentInShortage, IsBuiltByHandOrReleased) {
     const FaultyCall call = CallFor<Held<Xml::Document>>(
         [](Held<Xml::Document>& result) {

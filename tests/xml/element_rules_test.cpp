@@ -69,9 +69,8 @@ TEST(FindMissingAttribute, TellsTheFirstOneInTheListsOrder) {
 
 std::string Unexpected(const std::string& text, AttributeNames required, AttributeNames optional) {
     const Held<Document> document = Parsed(text);
-    const std::string* const name =
-        FindUnexpectedAttribute(Impl(document->GetRootElement()), required, optional);
-    return name == nullptr ? "(none)" : *name;
+    return std::string(FindUnexpectedAttribute(Impl(document->GetRootElement()), required, optional)
+                           .value_or("(none)"));
 }
 
 TEST(FindUnexpectedAttribute, AllowsBothListsAndDeclarations) {

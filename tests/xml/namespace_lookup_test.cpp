@@ -339,8 +339,8 @@ const ElementNodeImpl& Impl(ElementNode* element) {
     return dynamic_cast<const ElementNodeImpl&>(*element);
 }
 
-std::string Shown(const std::string* uri) {
-    return uri == nullptr ? "(none)" : *uri;
+std::string Shown(FoundText text) {
+    return std::string(text.value_or("(none)"));
 }
 
 TEST(DeclarationsInForce, CollectsTheNearestOfEachPrefix) {
@@ -348,7 +348,7 @@ TEST(DeclarationsInForce, CollectsTheNearestOfEachPrefix) {
         "<a xmlns='d' xmlns:p='far' xmlns:q='q'><b xmlns:p='near' x='1'><c xmlns=''/></b></a>");
     std::string told;
     for (const auto& [name, uri] : DeclarationsInForce(&Impl(Find(*document, "c"))))
-        told += std::string(name) + "=" + *uri + " ";
+        told += std::string(name) + "=" + Shown(uri) + " ";
     EXPECT_EQ(told, "xmlns= xmlns:p=near xmlns:q=q ");
     EXPECT_TRUE(DeclarationsInForce(nullptr).empty());
     EXPECT_TRUE(DeclarationsInForce(&Impl(NewElement("a").get())).empty());
@@ -391,7 +391,7 @@ TEST(NamespaceContext, TakesNoDefaultDeclarationWhereThereAreSeveral) {
             Parsed("<x xmlns='u'><y " + two + " xmlns:p='p'><apex><p:b/></apex></y></x>");
         for (const char* apex : {"y", "apex"}) {
             const NamespaceContext namespaces(Impl(Find(*document, apex)));
-            EXPECT_EQ(namespaces.NamespaceOf(Impl(Find(*document, "apex"))), nullptr) << two;
+            EXPECT_EQ(namespaces.NamespaceOf(Impl(Find(*document, "apex"))), std::nullopt) << two;
             EXPECT_EQ(Shown(namespaces.NamespaceOf(Impl(Find(*document, "b")))), "p") << two;
         }
     }
@@ -400,7 +400,7 @@ TEST(NamespaceContext, TakesNoDefaultDeclarationWhereThereAreSeveral) {
 TEST(NamespaceContext, AnswersForADetachedApex) {
     const Held<ElementNode> top(CreateElementNode("p", "top"));
     const NamespaceContext namespaces(Impl(top.get()));
-    EXPECT_EQ(namespaces.NamespaceOf(Impl(top.get())), nullptr);
+    EXPECT_EQ(namespaces.NamespaceOf(Impl(top.get())), std::nullopt);
 }
 
 TEST(NamespaceContext, FindsAttributesLikeTheElementItself) {

@@ -84,6 +84,16 @@ TEST(NodePool, PutsOneBehindTheOther) {
     EXPECT_LT(second.Address(), first.Address() + 200);
 }
 
+// Else a document of long attributes between short nodes would take twice its size.
+TEST(NodePool, IsNotLeftHalfEmptyForALongPiece) {
+    NodePool pool;
+    const Piece first(pool, 100);
+    const Piece large(pool, 60000);
+    const Piece second(pool, 100);
+    EXPECT_GT(second.Address(), first.Address());
+    EXPECT_LT(second.Address(), first.Address() + 200);
+}
+
 TEST(NodePool, BeginsAnewOnceItIsRetired) {
     NodePool pool;
     std::vector<Piece> pieces;
