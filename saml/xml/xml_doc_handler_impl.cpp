@@ -15,13 +15,19 @@ constexpr bool FitPools = ((alignof(Kinds) <= NodePool::kAlignment) && ...);
 static_assert(FitPools<ElementName, ElementNodeImpl, TextNodeImpl, CDataNodeImpl, CommentNodeImpl,
                        ProcessingInstructionNodeImpl>);
 
+constexpr std::size_t kUsualDepth = 16;
+constexpr std::size_t kUsualAttributes = 8;
+
 constexpr char kNoDocument[] = "An event arrived outside a document.";
 
 }  // namespace
 
 XMLDocHandlerImpl::XMLDocHandlerImpl(std::int64_t maxTotalSize, std::int64_t maxNodeCount,
                                      std::int64_t maxDepth)
-    : limits_(maxTotalSize, maxNodeCount, maxDepth) {}
+    : limits_(maxTotalSize, maxNodeCount, maxDepth) {
+    open_.reserve(kUsualDepth);
+    attributes_.reserve(kUsualAttributes);
+}
 
 void XMLDocHandlerImpl::StartDocument(bool enforceLimits, boost::intrusive_ptr<Node>& document) {
     const boost::intrusive_ptr<DocumentImpl> created(new DocumentImpl);
