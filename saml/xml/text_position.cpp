@@ -14,8 +14,8 @@ struct Census {
     std::uint8_t lineEnds = 0;  ///< Not 0 when there is one.
 };
 
-/// As many bytes as a `Census` can count.
-constexpr std::size_t kLongestRun = 255;
+/// As many bytes as a `Census` can count, in whole vectors of 16.
+constexpr std::size_t kLongestRun = 240;
 
 bool BeginsCharacter(char byte) noexcept {
     return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;

@@ -37,7 +37,7 @@ TEST_P(PositionOfTheEnd, IsCounted) {
 
 // However the text is divided, among the ways of going on and among the runs that are counted.
 TEST_P(PositionOfTheEnd, IsTheSameInTwoSteps) {
-    for (const std::size_t padding : {0u, 200u, 253u, 254u, 255u, 256u, 510u}) {
+    for (const std::size_t padding : {0u, 200u, 238u, 239u, 240u, 241u, 255u, 256u, 480u}) {
         const std::string text = std::string(padding, '\n') + GetParam().text;
         LineAndColumn expected = GetParam().expected;
         expected.first += static_cast<unsigned>(padding);
