@@ -87,7 +87,7 @@ class Programme {
         if (!whyUnfit.empty())
             leftOut_.push_back(name + ": " + whyUnfit);
         else
-            works_.push_back({name, std::move(run)});
+            works_.push_back({name, task + ", " + std::to_string(groups), std::move(run)});
     }
 
     void AddVerification(const std::string& task, const std::string& who, std::size_t groups,

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstddef>
 #include <ctime>
-#include <numeric>
 #include <random>
 
 namespace Bench {
@@ -16,11 +15,40 @@ double CpuSeconds() {
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
-double PerRun(const Work& work, long count) {
+double Seconds(const Work& work, long count) {
     const double start = CpuSeconds();
     for (long i = 0; i != count; ++i)
         work.run();
-    return (CpuSeconds() - start) / static_cast<double>(count);
+    return CpuSeconds() - start;
+}
+
+/// A work and how it spends its time in a round.
+struct Share {
+    const Work* work;
+    long slices;
+    long runsInSlice;
+    double seconds = 0;
+
+    double PerRun() const { return seconds / static_cast<double>(slices * runsInSlice); }
+};
+
+constexpr long kSlices = 8;
+
+Share ShareOf(const Work& work, double turn) {
+    Seconds(work, 1);  // whatever is made at the first use
+    const long runs = std::max(1L, std::lround(std::ceil(turn / Seconds(work, 1))));
+    const long slices = std::min(runs, kSlices);
+    return {&work, slices, (runs + slices - 1) / slices};
+}
+
+void TakeTurns(std::vector<Share>& shares, std::mt19937& dice) {
+    for (Share& share : shares)
+        share.seconds = 0;
+    for (long slice = 0; slice != kSlices; ++slice) {
+        std::shuffle(shares.begin(), shares.end(), dice);
+        for (Share& share : shares)
+            if (slice < share.slices) share.seconds += Seconds(*share.work, share.runsInSlice);
+    }
 }
 
 }  // namespace
@@ -48,19 +76,21 @@ std::vector<double> Figures::Ratios(const std::string& over, const std::string& 
 }
 
 Figures Interleaved(const std::vector<Work>& works, int rounds, double turn) {
-    std::vector<long> counts;
-    for (const Work& work : works) {
-        PerRun(work, 1);  // whatever is made at the first use
-        counts.push_back(std::max(1L, std::lround(std::ceil(turn / PerRun(work, 1)))));
-    }
-    std::vector<std::size_t> order(works.size());
-    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::map<std::string, std::vector<Share>> tasks;
+    for (const Work& work : works)
+        tasks[work.task].push_back(ShareOf(work, turn));
+    std::vector<std::vector<Share>*> order;
+    for (auto& [task, shares] : tasks)
+        order.push_back(&shares);
     std::mt19937 dice;  // the same orders every time
     Figures seconds;
     for (int round = 0; round != rounds; ++round) {
         std::shuffle(order.begin(), order.end(), dice);
-        for (const std::size_t i : order)
-            seconds.Of(works[i].name).push_back(PerRun(works[i], counts[i]));
+        for (std::vector<Share>* const shares : order) {
+            TakeTurns(*shares, dice);
+            for (const Share& share : *shares)
+                seconds.Of(share.work->name).push_back(share.PerRun());
+        }
     }
     return seconds;
 }

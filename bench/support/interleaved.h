@@ -9,6 +9,7 @@ namespace Bench {
 
 struct Work {
     std::string name;
+    std::string task;  ///< Works with the same one are compared.
     std::function<void()> run;
 };
 
@@ -28,9 +29,12 @@ class Figures {
     std::map<std::string, std::vector<double>> figures_;
 };
 
-/// Seconds of CPU time that one run of each takes, in `rounds` rounds. In each round every work has
-/// its turn, in an order drawn anew, so that what disturbs the machine disturbs all alike.
-/// \param turn  Seconds of CPU time that a turn lasts at least; a work that is quicker is repeated.
+/// Seconds of CPU time that one run of each takes, in `rounds` rounds. In each round every task has
+/// its turn, in an order drawn anew; in it, the works of the task take turns in slices, so that
+/// what disturbs the machine, which lasts longer than a slice, disturbs all that are compared
+/// alike.
+/// \param turn  Seconds of CPU time that a work gets in a round at least; a work that is quicker is
+///              repeated.
 Figures Interleaved(const std::vector<Work>& works, int rounds, double turn);
 
 }  // namespace Bench
