@@ -28,7 +28,7 @@ constexpr char kKeyKept[] = "xmlsec1 with the key kept";
 
 struct Arguments {
     int rounds = 15;
-    double turn = 0.02;
+    double turn = 0.04;
     std::vector<std::string> without;
     bool goalsOnly = false;
 };

@@ -32,7 +32,7 @@ struct Share {
     double PerRun() const { return seconds / static_cast<double>(slices * runsInSlice); }
 };
 
-constexpr long kSlices = 8;
+constexpr long kSlices = 4;
 
 Share ShareOf(const Work& work, double turn) {
     Seconds(work, 1);  // whatever is made at the first use
