@@ -155,7 +155,10 @@ class SAMLTOKEN_API KeyInfoResolver
 
     /// Replaces `keys` by the public keys to try, in order of preference, each DER as
     /// `ExtractCertPubKey` gives it. No key is the answer for a signer that is not trusted.
-    /// \param keyInfo  Null when the signature has no `KeyInfo`. Borrowed for the call.
+    /// \param keyInfo  Null when the signature has no `KeyInfo`. Borrowed for the call. Neither it
+    ///                 nor the document around its element may be changed, here or by another
+    ///                 thread, before the verification or the making of the token that asked has
+    ///                 returned: digests were compared by now, and the document is read again.
     /// \throws Whatever an implementation likes; it passes through `Signature::Verify` unchanged.
     ///         The library's resolvers throw for failures of OpenSSL and of memory only.
     virtual void Resolve(KeyInfo* keyInfo, std::list<ByteBlob>& keys) = 0;

@@ -158,23 +158,27 @@ std::string AssertionElement::TypeAsWritten() const {
 }
 
 // Most elements hold one text: of these nothing else has to be asked.
-const Xml::TextNodeImpl* AssertionElement::LoneText() const {
-    const Xml::TextNodeImpl* const text = Xml::AsText(node_->FirstChild());
+Xml::TextNodeImpl* AssertionElement::LoneText() const {
+    Xml::TextNodeImpl* const text = Xml::AsText(node_->FirstChild());
     const bool isAlone = text != nullptr && text->NextSibling() == nullptr;
     return isAlone && kVisible.Accept(*text) ? text : nullptr;
 }
 
-const std::string& AssertionElement::Text() const {
-    if (const Xml::TextNodeImpl* const alone = LoneText()) return alone->Text();
-    const Xml::TextNodeImpl* const text = Xml::FindOnlyText(*node_, kVisible);
+Xml::TextNodeImpl& AssertionElement::OnlyText() const {
+    if (Xml::TextNodeImpl* const alone = LoneText()) return *alone;
+    Xml::TextNodeImpl* const text = Xml::FindOnlyText(*node_, kVisible);
     if (text == nullptr || HasOtherText(*node_, *text))
         throw ParseException(NotOnlyText(LocalName()));
-    return text->Text();
+    return *text;
 }
 
-std::string AssertionElement::TextOrEmpty() const {
-    if (const Xml::TextNodeImpl* const alone = LoneText()) return alone->Text();
-    return IsEmpty() ? std::string() : Text();
+const std::string& AssertionElement::Text() const {
+    return OnlyText().Text();
+}
+
+AttributeValue AssertionElement::Value() const {
+    if (Xml::TextNodeImpl* const alone = LoneText()) return AttributeValue(*alone);
+    return IsEmpty() ? AttributeValue() : AttributeValue(OnlyText());
 }
 
 bool AssertionElement::IsEmpty() const {

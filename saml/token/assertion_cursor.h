@@ -1,6 +1,7 @@
 #pragma once
 
 #include "saml/foundations.h"
+#include "saml/token/attribute_value.h"
 #include "saml/xml/element_rules.h"
 #include "saml/xml/filtered_node_cursor.h"
 
@@ -51,15 +52,16 @@ class AssertionElement {
     /// something between them are never joined, and none of them is passed over, blank or not:
     /// "admin<!-- -->.evil" and " <!-- -->admin" are refused, neither must read as "admin".
     const std::string& Text() const;
-    /// The same, and the empty text for an element without any child but blanks and comments.
-    std::string TextOrEmpty() const;
+    /// The same, and the empty value for an element without any child but blanks and comments.
+    AttributeValue Value() const;
     /// True when there is no child but blanks and comments.
     bool IsEmpty() const;
     void ExpectEmpty() const;
     AssertionCursor Children() const;
 
   private:
-    const Xml::TextNodeImpl* LoneText() const;
+    Xml::TextNodeImpl* LoneText() const;
+    Xml::TextNodeImpl& OnlyText() const;
     std::optional<Xml::Attribute> FindType() const;
 
     Xml::ElementNodeImpl* node_;

@@ -9,7 +9,8 @@ namespace Saml {
 /// children and fixed lists of attributes. The signature is read, too, and must cover the whole
 /// assertion; whether it holds is not asked here, nor is any other value judged.
 ///
-/// \param assertion  Borrowed; the result's signature keeps it alive.
+/// \param assertion  Borrowed; the result's signature keeps it alive. Not to be changed before the
+///                   values of the result's attributes are taken, which stand in it.
 /// \throws ParseException  The first violation that is met.
 /// What `CreateSignatureFromDom` throws besides a `SignatureSyntaxException` passes unchanged.
 ParsedAssertion ReadAssertion(Xml::ElementNodeImpl& assertion);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "saml/token.h"
+#include "saml/token/attribute_value.h"
 
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 
@@ -54,6 +55,12 @@ struct ParsedAuthentication {
     std::string contextClass;
 };
 
+/// Of an `AttributeStatement`, its values still in the tree; what else it says is given to nobody.
+struct ParsedAttribute {
+    std::string name;
+    std::vector<AttributeValue> values;
+};
+
 /// What the reader found in an `Assertion`, in document order. Nothing in it was judged yet: not
 /// the times, not the delegation, not the names, and the signature was read but not verified.
 struct ParsedAssertion {
@@ -66,7 +73,7 @@ struct ParsedAssertion {
     ParsedConditions conditions;
     std::optional<std::vector<Advice>> advice;
     ParsedAuthentication authentication;
-    std::optional<std::vector<SamlAttribute>> attributes;
+    std::optional<std::vector<ParsedAttribute>> attributes;
 };
 
 }  // namespace Saml

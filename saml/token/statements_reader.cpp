@@ -3,6 +3,7 @@
 #include "saml/token/saml_identifiers.h"
 
 #include <cstddef>
+#include <utility>
 
 namespace Saml {
 namespace {
@@ -24,17 +25,27 @@ std::size_t CountChildren(const Xml::NodeImpl& parent) {
     return count;
 }
 
-SamlAttribute ReadAttribute(const AssertionElement& element) {
+ParsedAttribute ReadAttribute(const AssertionElement& element) {
     element.CheckAttributes({kName, kNameFormat}, {kFriendlyName});
-    SamlAttribute attribute;
-    attribute.Name = element.Attribute(kName);
-    attribute.NameFormat = element.Attribute(kNameFormat);
-    attribute.FriendlyName = element.Attribute(kFriendlyName);
-    attribute.Values.reserve(CountChildren(element.Node()));
+    ParsedAttribute attribute;
+    attribute.name = element.Attribute(kName);
+    attribute.values.reserve(CountChildren(element.Node()));
     // An attribute may have the empty string as its value; no other text here may be empty.
     for (AssertionCursor children = element.Children(); !children.AtEnd();)
-        attribute.Values.push_back(
-            children.Take("AttributeValue", SamlUri::AssertionNamespace).TextOrEmpty());
+        attribute.values.push_back(
+            children.Take("AttributeValue", SamlUri::AssertionNamespace).Value());
+    return attribute;
+}
+
+SamlAttribute ReadWholeAttribute(const AssertionElement& element) {
+    ParsedAttribute parsed = ReadAttribute(element);
+    SamlAttribute attribute;
+    attribute.Name = std::move(parsed.name);
+    attribute.NameFormat = element.Attribute(kNameFormat);
+    attribute.FriendlyName = element.Attribute(kFriendlyName);
+    attribute.Values.reserve(parsed.values.size());
+    for (AttributeValue& value : parsed.values)
+        attribute.Values.push_back(value.Take());
     return attribute;
 }
 
@@ -44,7 +55,7 @@ Advice ReadAdviceEntry(const AssertionElement& element) {
     advice.AdviceSource = element.Attribute(kAdviceSource);
     for (AssertionCursor children = element.Children(); !children.AtEnd();)
         advice.Attributes.push_back(
-            ReadAttribute(children.Take("Attribute", SamlUri::AssertionNamespace)));
+            ReadWholeAttribute(children.Take("Attribute", SamlUri::AssertionNamespace)));
     return advice;
 }
 
@@ -83,9 +94,9 @@ ParsedAuthentication ReadAuthnStatement(const AssertionElement& statement) {
     return authentication;
 }
 
-std::vector<SamlAttribute> ReadAttributeStatement(const AssertionElement& statement) {
+std::vector<ParsedAttribute> ReadAttributeStatement(const AssertionElement& statement) {
     statement.CheckAttributes({});
-    std::vector<SamlAttribute> attributes;
+    std::vector<ParsedAttribute> attributes;
     AssertionCursor children = statement.Children();
     do {  // at least one
         attributes.push_back(

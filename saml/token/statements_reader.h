@@ -15,6 +15,6 @@ std::vector<Advice> ReadAdvice(const AssertionElement& advice);
 ParsedAuthentication ReadAuthnStatement(const AssertionElement& statement);
 
 /// Reads an `AttributeStatement` (SAML core 2.7.3): one or more attributes.
-std::vector<SamlAttribute> ReadAttributeStatement(const AssertionElement& statement);
+std::vector<ParsedAttribute> ReadAttributeStatement(const AssertionElement& statement);
 
 }  // namespace Saml

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "saml/token.h"
+#include "saml/token/parsed_assertion.h"
 
 #include <vector>
 
@@ -17,6 +18,6 @@ struct TokenAttributes {
 /// unknown ones are dropped.
 /// \throws ParseException   A group is malformed.
 /// \throws ParseException*  A solution-user attribute does not have exactly one value.
-TokenAttributes ApplyAttributes(std::vector<SamlAttribute> attributes);
+TokenAttributes ApplyAttributes(std::vector<ParsedAttribute> attributes);
 
 }  // namespace Saml

@@ -5,6 +5,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace Saml::Xml {
 
@@ -18,6 +19,7 @@ class TextNodeImpl final : public virtual TextNode, public NodeImpl {
     void WriteTo(Writer& out, int indent) override;
 
     const std::string& Text() const noexcept { return text_; }
+    std::string TakeText() noexcept { return std::move(text_); }
 
   private:
     std::string text_;

@@ -54,7 +54,7 @@ TEST(AssertionReader, ReadsEveryPartIntoItsField) {
     EXPECT_EQ(assertion.authentication.instant.value(), "2020-01-01T00:00:03Z");
     EXPECT_EQ(assertion.authentication.contextClass, "urn:class");
     ASSERT_TRUE(assertion.attributes.has_value());
-    EXPECT_EQ(assertion.attributes->front().Name, "stated");
+    EXPECT_EQ(assertion.attributes->front().name, "stated");
 }
 
 TEST(AssertionReader, JudgesNoValueOfItsOwn) {

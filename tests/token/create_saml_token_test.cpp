@@ -538,6 +538,35 @@ TEST(CreateSamlToken, KeepsTheTextThoughTheResolverChangesIt) {
     EXPECT_EQ(token->GetXml(), original);
 }
 
+TEST(CreateSamlToken, LeavesATextToTheResolverThatKeepsIt) {
+    /// Offers the right key and keeps the first group of the document that it is asked about.
+    class Keeper final : public KeyInfoResolver {
+      public:
+        void Resolve(KeyInfo* keyInfo, std::list<ByteBlob>& keys) override {
+            boost::intrusive_ptr<Xml::ElementNode> element;
+            keyInfo->GetElement(element);
+            Xml::Node* const assertion = element->GetParent()->GetParent();
+            kept.reset(
+                dynamic_cast<Xml::TextNode*>(assertion->GetFirstChildElement("AttributeStatement")
+                                                 ->GetFirstChildElement("Attribute")
+                                                 ->GetFirstChildElement("AttributeValue")
+                                                 ->GetFirstChild()));
+            keys = {SigningKey().publicKey};
+        }
+        boost::intrusive_ptr<Xml::TextNode> kept;
+    };
+    const std::string group(100, 'g');
+    Forge::TokenSpec spec;
+    spec.attributes = {{ProfileUri::GroupIdentity, {"corp\\" + group, "corp\\others"}}};
+    const boost::intrusive_ptr<Keeper> resolver(new Keeper);
+    const std::shared_ptr<const SamlToken> token = CreateSamlToken(Signed(spec), resolver.get());
+    ASSERT_EQ(token->GetGroups().size(), 2U);
+    EXPECT_EQ(token->GetGroups()[0].Name, group);
+    EXPECT_EQ(token->GetGroups()[1].Name, "others");
+    ASSERT_NE(resolver->kept, nullptr);
+    EXPECT_EQ(resolver->kept->GetText(), "corp\\" + group);
+}
+
 TEST(CreateSamlToken, ExpandsEntitiesOfTheInternalSubset) {
     // Neither the parser's limits nor its ban on entity declarations hold for token texts.
     const auto resolver = RightKey();
@@ -662,19 +691,39 @@ TEST(CreateSamlTokenFromDom, TakesTheInclusiveCanonicalFormForTheText) {
 }
 
 TEST(CreateSamlTokenFromDom, LeavesTheCallersTreeUntouched) {
+    Forge::TokenSpec spec;
+    spec.attributes = {{ProfileUri::GroupIdentity, {"corp\\" + std::string(100, 'g')}}};
     const boost::intrusive_ptr<Xml::Document> document =
-        Forge::Parse("<around>" + Signed() + "<behind/></around>");
+        Forge::Parse("<around>" + Signed(spec) + "<behind/></around>");
     Xml::ElementNode* const assertion =
         document->GetRootElement()->GetFirstChildElement("Assertion");
     StringWriter before;
     document->GetRootElement()->Write(before);
     const auto resolver = RightKey();
-    EXPECT_NE(CreateSamlTokenFromDom(assertion, resolver.get()), nullptr);
+    const std::shared_ptr<const SamlToken> token =
+        CreateSamlTokenFromDom(assertion, resolver.get());
+    ASSERT_EQ(token->GetGroups().size(), 1U);
+    EXPECT_EQ(token->GetGroups()[0].Name, std::string(100, 'g'));
     StringWriter after;
     document->GetRootElement()->Write(after);
     EXPECT_EQ(after.data, before.data);
     EXPECT_EQ(assertion->use_count(), 1U);
     EXPECT_EQ(assertion->GetParent(), document->GetRootElement());
+}
+
+TEST(CreateSamlTokenFromDom, LeavesTheCallersTreeUntouchedWhenItRefusesAGroup) {
+    Forge::TokenSpec spec;
+    spec.attributes = {{ProfileUri::GroupIdentity, {"corp\\" + std::string(100, 'g'), "nobody"}}};
+    const boost::intrusive_ptr<Xml::Document> document = Forge::Parse(Signed(spec));
+    StringWriter before;
+    document->Write(before);
+    const auto resolver = RightKey();
+    EXPECT_EQ(MessageOf<ParseException>(
+                  [&] { CreateSamlTokenFromDom(document->GetRootElement(), resolver.get()); }),
+              "Failed to parse Group Identity value: `nobody'; domain or group missing");
+    StringWriter after;
+    document->Write(after);
+    EXPECT_EQ(after.data, before.data);
 }
 
 TEST(CreateSamlTokenFromDom, LooksForIdsInsideTheAssertionOnly) {

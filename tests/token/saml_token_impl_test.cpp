@@ -1,6 +1,7 @@
 #include "saml/token/saml_token_impl.h"
 
 #include "support/thrown.h"
+#include "token/parsed_attribute.h"
 
 #include <gtest/gtest.h>
 
@@ -110,11 +111,10 @@ TEST(SamlToken, GivesCopiesInDocumentOrder) {
                                        {Date("2020-06-01T12:00:02Z"), Upn("two@b")}};
     assertion.conditions.audience = std::set<std::string>{"b", "a"};
     assertion.advice = {{"source 1", {{"n", "f", "fr", {"v1", "v2"}}}}, {"source 2", {}}};
-    assertion.attributes = {{ProfileUri::GroupIdentity, "", "", {"d2\\g2", "d1\\g1"}},
-                            {ProfileUri::GivenName, "", "", {"Jane"}},
-                            {ProfileUri::Surname, "", "", {"Doe"}},
-                            {ProfileUri::IsSolution, "", "", {"true"}},
-                            {"urn:other", "", "", {"dropped"}}};
+    assertion.attributes = {
+        Attribute(ProfileUri::GroupIdentity, {"d2\\g2", "d1\\g1"}),
+        Attribute(ProfileUri::GivenName, {"Jane"}), Attribute(ProfileUri::Surname, {"Doe"}),
+        Attribute(ProfileUri::IsSolution, {"true"}), Attribute("urn:other", {"dropped"})};
     const SamlTokenImpl token("", std::move(assertion));
 
     const std::vector<DelegateInfo> chain = token.GetDelegationChain();
@@ -153,7 +153,7 @@ TEST(SamlToken, GivesCopiesInDocumentOrder) {
 TEST(SamlToken, IsRefusedForTheSubjectsNameFirst) {
     ParsedAssertion assertion = Least();
     assertion.subject.nameId = {"urn:oasis:names:tc:SAML:1.1:nameid-format:emailAddress", "x"};
-    assertion.attributes = {{ProfileUri::GroupIdentity, "", "", {"nobody"}}};
+    assertion.attributes = {Attribute(ProfileUri::GroupIdentity, {"nobody"})};
     assertion.conditions.delegation = {{DateTime(), Upn("nobody")}};
     EXPECT_EQ(MessageOf<ParseException>([&] { SamlTokenImpl("", ParsedAssertion(assertion)); }),
               "Invalid or unsupported NameId format "
@@ -162,7 +162,7 @@ TEST(SamlToken, IsRefusedForTheSubjectsNameFirst) {
 
 TEST(SamlToken, IsRefusedForAnAttributeBeforeADelegate) {
     ParsedAssertion assertion = Least();
-    assertion.attributes = {{ProfileUri::GroupIdentity, "", "", {"nobody"}}};
+    assertion.attributes = {Attribute(ProfileUri::GroupIdentity, {"nobody"})};
     assertion.conditions.delegation = {{DateTime(), Upn("nobody")}};
     EXPECT_EQ(MessageOf<ParseException>([&] { SamlTokenImpl("", ParsedAssertion(assertion)); }),
               "Failed to parse Group Identity value: `nobody'; domain or group missing");

@@ -23,28 +23,31 @@ constexpr char kStatement[] =
     "<saml:Attribute Name='n2' NameFormat='f2'></saml:Attribute>"
     "</saml:AttributeStatement>";
 
-std::vector<SamlAttribute> ReadStatement(const std::string& xml) {
+std::vector<ParsedAttribute> ReadStatement(const std::string& xml) {
     return ReadAttributeStatement(Fragment(xml).Element());
 }
 
+Texts Values(ParsedAttribute attribute) {
+    Texts texts;
+    for (AttributeValue& value : attribute.values)
+        texts.push_back(value.Take());
+    return texts;
+}
+
 Texts ReadValues(const std::string& values) {
-    return ReadStatement("<saml:AttributeStatement><saml:Attribute Name='n' NameFormat='f'>" +
-                         values + "</saml:Attribute></saml:AttributeStatement>")
-        .front()
-        .Values;
+    return Values(
+        ReadStatement("<saml:AttributeStatement><saml:Attribute Name='n' NameFormat='f'>" + values +
+                      "</saml:Attribute></saml:AttributeStatement>")
+            .front());
 }
 
 TEST(AttributeStatement, GivesAttributesAndValuesInDocumentOrder) {
-    const std::vector<SamlAttribute> attributes = ReadStatement(kStatement);
+    const std::vector<ParsedAttribute> attributes = ReadStatement(kStatement);
     ASSERT_EQ(attributes.size(), 2U);
-    EXPECT_EQ(attributes[0].Name, "n1");
-    EXPECT_EQ(attributes[0].NameFormat, "f1");
-    EXPECT_EQ(attributes[0].FriendlyName, "friend");
-    EXPECT_EQ(attributes[0].Values, (Texts{"a", "b"}));
-    EXPECT_EQ(attributes[1].Name, "n2");
-    EXPECT_EQ(attributes[1].NameFormat, "f2");
-    EXPECT_EQ(attributes[1].FriendlyName, "");
-    EXPECT_EQ(attributes[1].Values, Texts{});
+    EXPECT_EQ(attributes[0].name, "n1");
+    EXPECT_EQ(Values(attributes[0]), (Texts{"a", "b"}));
+    EXPECT_EQ(attributes[1].name, "n2");
+    EXPECT_EQ(Values(attributes[1]), Texts{});
 }
 
 TEST(AttributeValues, AreEmptyWhenNothingIsThereButBlanksAndComments) {
@@ -157,7 +160,8 @@ TEST(AttributeStatement, NeedsAnAttribute) {
 constexpr char kAdvice[] =
     "<saml:Advice>"
     "<ext:RSAAdvice AdviceSource='s1'>"
-    "<saml:Attribute Name='n1' NameFormat='f1'><saml:AttributeValue>a</saml:AttributeValue>"
+    "<saml:Attribute Name='n1' NameFormat='f1' FriendlyName='friend'>"
+    "<saml:AttributeValue>a</saml:AttributeValue><saml:AttributeValue/>"
     "</saml:Attribute><saml:Attribute Name='n2' NameFormat='f2'/></ext:RSAAdvice>"
     "<ext:RSAAdvice AdviceSource='s2'/>"
     "</saml:Advice>";
@@ -172,8 +176,13 @@ TEST(AdviceOfAnAssertion, GivesEntriesAndAttributesInDocumentOrder) {
     EXPECT_EQ(advice[0].AdviceSource, "s1");
     ASSERT_EQ(advice[0].Attributes.size(), 2U);
     EXPECT_EQ(advice[0].Attributes[0].Name, "n1");
-    EXPECT_EQ(advice[0].Attributes[0].Values, Texts{"a"});
+    EXPECT_EQ(advice[0].Attributes[0].NameFormat, "f1");
+    EXPECT_EQ(advice[0].Attributes[0].FriendlyName, "friend");
+    EXPECT_EQ(advice[0].Attributes[0].Values, (Texts{"a", ""}));
     EXPECT_EQ(advice[0].Attributes[1].Name, "n2");
+    EXPECT_EQ(advice[0].Attributes[1].NameFormat, "f2");
+    EXPECT_EQ(advice[0].Attributes[1].FriendlyName, "");
+    EXPECT_EQ(advice[0].Attributes[1].Values, Texts{});
     EXPECT_EQ(advice[1].AdviceSource, "s2");
     EXPECT_TRUE(advice[1].Attributes.empty());
 }

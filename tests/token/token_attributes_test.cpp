@@ -1,21 +1,18 @@
 #include "saml/token/token_attributes.h"
 
 #include "support/thrown.h"
+#include "token/parsed_attribute.h"
 
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
 
 using namespace Saml;
-using Texts = std::vector<std::string>;
-
-SamlAttribute Attribute(const std::string& name, const Texts& values) {
-    return {name, "urn:format", "", values};
-}
 
 /// The message of the exception that `action` throws by pointer.
 template <class Action>
@@ -54,6 +51,35 @@ TEST(TokenAttributes, GiveGroupsInDocumentOrderAcrossAttributes) {
     EXPECT_EQ(result.groups[2].Name, "g1");
 }
 
+constexpr std::size_t kMany = 5000;
+
+ParsedAttribute ManyGroups() {
+    ParsedAttribute attribute{ProfileUri::GroupIdentity, {}};
+    for (std::size_t i = 0; i != kMany; ++i)
+        attribute.values.emplace_back(*new Xml::TextNodeImpl("d\\" + std::to_string(i)));
+    return attribute;
+}
+
+void ExpectManyGroups(const TokenAttributes& result) {
+    ASSERT_EQ(result.groups.size(), kMany);
+    EXPECT_EQ(result.groups.capacity(), kMany);
+    for (std::size_t i = 0; i != kMany; ++i)
+        ASSERT_EQ(result.groups[i].Name, std::to_string(i));
+}
+
+TEST(TokenAttributes, GiveManyGroupsFromTextsThatNobodyElseHolds) {
+    std::vector<ParsedAttribute> attributes;
+    attributes.push_back(ManyGroups());
+    ASSERT_FALSE(attributes[0].values[0].IsShared());
+    ExpectManyGroups(ApplyAttributes(std::move(attributes)));
+}
+
+TEST(TokenAttributes, GiveManyGroupsFromTextsThatSomebodyElseHolds) {
+    ParsedAttribute attribute = ManyGroups();
+    ExpectManyGroups(ApplyAttributes({attribute}));
+    EXPECT_EQ(attribute.values.at(kMany - 1).Take(), "d\\" + std::to_string(kMany - 1));
+}
+
 TEST(TokenAttributes, RefuseAMalformedGroup) {
     EXPECT_EQ(MessageOf<ParseException>([] {
                   ApplyAttributes({Attribute(ProfileUri::GroupIdentity, {"d\\g", "nobody"})});
@@ -83,9 +109,7 @@ TEST(TokenAttributes, AreRecognisedByTheirExactName) {
     const TokenAttributes result =
         ApplyAttributes({Attribute(upperCase, {"Ann"}),
                          Attribute(std::string(ProfileUri::GroupIdentity) + "/", {"no backslash"}),
-                         Attribute("givenname", {"Ann"}),
-                         Attribute("", {"Ann"}),
-                         {"urn:other", ProfileUri::GivenName, ProfileUri::GivenName, {"Ann"}}});
+                         Attribute("givenname", {"Ann"}), Attribute("", {"Ann"})});
     EXPECT_TRUE(result.groups.empty());
     EXPECT_EQ(result.personName.FirstName, "");
 }
