@@ -64,7 +64,7 @@ std::shared_ptr<const SamlToken> CreateSamlToken(const std::string& xml, KeyInfo
     std::string kept = xml;  // now: the resolver is the caller's, and may change what is theirs
     auto& root = *CheckedCast<Xml::ElementNodeImpl>(document->GetRootElement());
     ParsedAssertion assertion = ReadVerified(root, *resolver, tolerance);
-    document.reset();  // a big token is not held in three forms
+    document.reset();  // of a big token's tree, only what holds attribute values stays
     return MakeToken(std::move(kept), std::move(assertion));
 }
 

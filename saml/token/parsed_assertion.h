@@ -55,9 +55,11 @@ struct ParsedAuthentication {
     std::string contextClass;
 };
 
-/// Of an `AttributeStatement`, its values still in the tree; what else it says is given to nobody.
+/// Its values still stand in the tree.
 struct ParsedAttribute {
     std::string name;
+    std::string nameFormat;
+    std::string friendlyName;
     std::vector<AttributeValue> values;
 };
 

@@ -29,6 +29,8 @@ ParsedAttribute ReadAttribute(const AssertionElement& element) {
     element.CheckAttributes({kName, kNameFormat}, {kFriendlyName});
     ParsedAttribute attribute;
     attribute.name = element.Attribute(kName);
+    attribute.nameFormat = element.Attribute(kNameFormat);
+    attribute.friendlyName = element.Attribute(kFriendlyName);
     attribute.values.reserve(CountChildren(element.Node()));
     // An attribute may have the empty string as its value; no other text here may be empty.
     for (AssertionCursor children = element.Children(); !children.AtEnd();)
@@ -37,12 +39,11 @@ ParsedAttribute ReadAttribute(const AssertionElement& element) {
     return attribute;
 }
 
-SamlAttribute ReadWholeAttribute(const AssertionElement& element) {
-    ParsedAttribute parsed = ReadAttribute(element);
+SamlAttribute WithValuesTaken(ParsedAttribute parsed) {
     SamlAttribute attribute;
     attribute.Name = std::move(parsed.name);
-    attribute.NameFormat = element.Attribute(kNameFormat);
-    attribute.FriendlyName = element.Attribute(kFriendlyName);
+    attribute.NameFormat = std::move(parsed.nameFormat);
+    attribute.FriendlyName = std::move(parsed.friendlyName);
     attribute.Values.reserve(parsed.values.size());
     for (AttributeValue& value : parsed.values)
         attribute.Values.push_back(value.Take());
@@ -54,8 +55,8 @@ Advice ReadAdviceEntry(const AssertionElement& element) {
     Advice advice;
     advice.AdviceSource = element.Attribute(kAdviceSource);
     for (AssertionCursor children = element.Children(); !children.AtEnd();)
-        advice.Attributes.push_back(
-            ReadWholeAttribute(children.Take("Attribute", SamlUri::AssertionNamespace)));
+        advice.Attributes.push_back(WithValuesTaken(
+            ReadAttribute(children.Take("Attribute", SamlUri::AssertionNamespace))));
     return advice;
 }
 

@@ -45,8 +45,12 @@ TEST(AttributeStatement, GivesAttributesAndValuesInDocumentOrder) {
     const std::vector<ParsedAttribute> attributes = ReadStatement(kStatement);
     ASSERT_EQ(attributes.size(), 2U);
     EXPECT_EQ(attributes[0].name, "n1");
+    EXPECT_EQ(attributes[0].nameFormat, "f1");
+    EXPECT_EQ(attributes[0].friendlyName, "friend");
     EXPECT_EQ(Values(attributes[0]), (Texts{"a", "b"}));
     EXPECT_EQ(attributes[1].name, "n2");
+    EXPECT_EQ(attributes[1].nameFormat, "f2");
+    EXPECT_EQ(attributes[1].friendlyName, "");
     EXPECT_EQ(Values(attributes[1]), Texts{});
 }
 

@@ -54,7 +54,7 @@ TEST(TokenAttributes, GiveGroupsInDocumentOrderAcrossAttributes) {
 constexpr std::size_t kMany = 5000;
 
 ParsedAttribute ManyGroups() {
-    ParsedAttribute attribute{ProfileUri::GroupIdentity, {}};
+    ParsedAttribute attribute = Attribute(ProfileUri::GroupIdentity, {});
     for (std::size_t i = 0; i != kMany; ++i)
         attribute.values.emplace_back(*new Xml::TextNodeImpl("d\\" + std::to_string(i)));
     return attribute;
@@ -106,10 +106,13 @@ TEST(TokenAttributes, LetAnAttributeWithoutValueEmptyTheName) {
 TEST(TokenAttributes, AreRecognisedByTheirExactName) {
     std::string upperCase = ProfileUri::GivenName;
     upperCase.front() = 'H';
+    ParsedAttribute other = Attribute("urn:other", {"Ann"});
+    other.nameFormat = ProfileUri::GivenName;
+    other.friendlyName = ProfileUri::GivenName;
     const TokenAttributes result =
         ApplyAttributes({Attribute(upperCase, {"Ann"}),
                          Attribute(std::string(ProfileUri::GroupIdentity) + "/", {"no backslash"}),
-                         Attribute("givenname", {"Ann"}), Attribute("", {"Ann"})});
+                         Attribute("givenname", {"Ann"}), Attribute("", {"Ann"}), other});
     EXPECT_TRUE(result.groups.empty());
     EXPECT_EQ(result.personName.FirstName, "");
 }
